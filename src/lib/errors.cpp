@@ -1,0 +1,51 @@
+#include "lib/errors.hpp"
+
+namespace ostrivane {
+
+std::string RuntimeErrorText(std::int32_t number) {
+    switch (number) {
+        case 3: return "Return without GoSub";
+        case 5: return "Invalid procedure call or argument";
+        case 6: return "Overflow";
+        case 7: return "Out of memory";
+        case 9: return "Subscript out of range";
+        case 10: return "This array is fixed or temporarily locked";
+        case 11: return "Division by zero";
+        case 13: return "Type mismatch";
+        case 28: return "Out of stack space";
+        case 52: return "Bad file name or number";
+        case 53: return "File not found";
+        case 55: return "File already open";
+        case 57: return "Device I/O error";
+        case 58: return "File already exists";
+        case 61: return "Disk full";
+        case 62: return "Input past end of file";
+        case 67: return "Too many files";
+        case 68: return "Device unavailable";
+        case 70: return "Permission denied";
+        case 71: return "Disk not ready";
+        case 75: return "Path/File access error";
+        case 76: return "Path not found";
+        case 91: return "Object variable or With block variable not set";
+        case 93: return "Invalid pattern string";
+        case 94: return "Invalid use of Null";
+        default: return "Application-defined or object-defined error";
+    }
+}
+
+RuntimeError::RuntimeError(std::int32_t number, std::string source, std::string description)
+    : std::runtime_error(description),
+      number_(number),
+      source_(std::move(source)),
+      description_(std::move(description)) {}
+
+RuntimeError::RuntimeError(std::int32_t number)
+    : RuntimeError(number, "Ostrivane", RuntimeErrorText(number)) {}
+
+void Raise(std::int32_t number) { throw RuntimeError(number); }
+
+void Raise(std::int32_t number, std::string source, std::string description) {
+    throw RuntimeError(number, std::move(source), std::move(description));
+}
+
+}  // namespace ostrivane
