@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+#include "lib/errors.hpp"
+#include "overlay/geometry.hpp"
+
+namespace ostrivane {
+
+static std::ostream& operator<<(std::ostream& os, const LineRect& r) {
+    return os << '{' << r.left << ", " << r.top << ", " << r.width << ", " << r.height << '}';
+}
+
+namespace {
+
+int ErrorOf(auto&& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+constexpr std::int16_t S = kWholeScreenLength;
+
+TEST(GeometryMarkerLines, Rows) {
+    struct Row { std::int32_t hpos, vpos; std::int16_t hlen, vlen, thick, sl, st, sw; LineRect h, v; };
+    const Row rows[] = {
+        {100, 200, 21, 21, 1, 0, 0, 1920, {90, 200, 21, 1}, {100, 190, 1, 21}},
+        {100, 200, 20, 20, 3, 0, 0, 1920, {89, 199, 20, 3}, {99, 189, 3, 20}},
+        {100, 200, 21, 21, 3, 0, 0, 1920, {88, 199, 21, 3}, {99, 188, 3, 21}},
+        {100, 200, S, S, 1, 0, 0, 1920, {0, 200, 1920, 1}, {100, 0, 1, 1920}},
+        {5, 200, 100, 0, 1, 0, 0, 1920, {0, 200, 100, 1}, {5, 200, 1, 1}},
+        // Half 499: 1000 - 50.5 - 499 = 450.5 -> 450; 800 - 25.5 - 499 = 275.5 -> 276
+        {1000, 800, 101, 51, 999, 0, 0, 1920, {450, 301, 101, 999}, {501, 276, 999, 51}},
+        // even thickness from a file: Half 2, band Vpos - 2 .. Vpos + 1
+        {100, 200, 20, 21, 4, 0, 0, 1920, {88, 198, 20, 4}, {98, 188, 4, 21}},
+        // "S" on a virtual screen left of the origin; the vertical spans the width too
+        {-500, 100, S, S, 1, -1280, -300, 3200, {-1280, 100, 3200, 1}, {-500, -300, 1, 3200}},
+        // clamped starts keep their full length
+        {-1270, -290, 40, 30, 1, -1280, -300, 3200, {-1280, -290, 40, 1}, {-1270, -300, 1, 30}},
+        // odd length: the tie follows the parity of the position
+        {100, 100, 11, 11, 1, 0, 0, 1920, {94, 100, 11, 1}, {100, 94, 1, 11}},
+        {101, 101, 11, 11, 1, 0, 0, 1920, {96, 101, 11, 1}, {101, 96, 1, 11}},
+        // length 0 is placed as 0 (moved back by Half) and only then drawn as 1
+        {300, 400, 0, 0, 3, 0, 0, 1920, {299, 399, 1, 3}, {299, 399, 3, 1}},
+        // the cross-axis coordinate is neither clamped nor held to 16 bits
+        {40000, -50000, S, S, 1, 0, 0, 1920, {0, -50000, 1920, 1}, {40000, 0, 1, 1920}},
+        // a length from a file that is negative but no sentinel is passed on
+        {100, 100, -5, 10, 1, 0, 0, 1920, {102, 100, -5, 1}, {100, 95, 1, 10}},
+    };
+    for (const Row& r : rows) {
+        const MarkerLineRects got = MarkerLines(r.hpos, r.vpos, r.hlen, r.vlen, r.thick, r.sl, r.st, r.sw);
+        EXPECT_EQ(got.horizontal, r.h) << r.hpos << ',' << r.vpos << " len " << r.hlen << ',' << r.vlen;
+        EXPECT_EQ(got.vertical, r.v) << r.hpos << ',' << r.vpos << " len " << r.hlen << ',' << r.vlen;
+    }
+}
+
+TEST(GeometryMarkerLines, OverflowsWhereTheArithmeticLeavesItsWidth) {
+    EXPECT_EQ(ErrorOf([] { MarkerLines(40000, 0, 10, 10, 1, 0, 0, 1920); }), kOverflow);
+    // rounding comes before the clamp, so a start far left of the screen fails too
+    EXPECT_EQ(ErrorOf([] { MarkerLines(0, -40000, 10, 10, 1, 0, 0, 1920); }), kOverflow);
+    EXPECT_EQ(MarkerLines(32767, 0, 0, 0, 1, 0, 0, 1920).horizontal.left, 32767);
+    // 32767.5 ties to 32768
+    EXPECT_EQ(ErrorOf([] { MarkerLines(32768, 0, 1, 0, 1, 0, 0, 1920); }), kOverflow);
+    EXPECT_EQ(ErrorOf([] { MarkerLines(0, INT32_MIN, S, S, 3, 0, 0, 1920); }), kOverflow);
+    EXPECT_EQ(ErrorOf([] { MarkerLines(INT32_MIN, 0, S, S, 3, 0, 0, 1920); }), kOverflow);
+}
+
+TEST(GeometryAlpha, Table) {
+    const std::pair<std::int16_t, int> rows[] = {{0, 0},    {1, 3},    {2, 5},    {10, 26},   {25, 64},  {30, 76},
+                                                 {50, 128}, {70, 178}, {75, 191}, {90, 230}, {99, 252}, {100, 255}};
+    for (const auto& [opacity, alpha] : rows) EXPECT_EQ(AlphaFromOpacity(opacity), alpha) << opacity;
+}
+
+TEST(GeometryAlpha, OverflowsOutsideTheProductAndTheByte) {
+    // 129 * 255 leaves 16 bits; 101..128 fit the product but not the byte
+    for (std::int16_t opacity : {129, 1000, -129, 128, 101, -1})
+        EXPECT_EQ(ErrorOf([&] { AlphaFromOpacity(opacity); }), kOverflow) << opacity;
+}
+
+TEST(GeometryAddLineRects, Rows) {
+    struct Row { std::int32_t x, y; std::int16_t t, sl, st, sw, sh; std::array<LineRect, 4> arms; };
+    const Row rows[] = {
+        // gap 2
+        {500, 300, 1, 0, 0, 1920, 1080, {{{0, 300, 498, 1}, {502, 300, 1418, 1}, {500, 0, 1, 298}, {500, 302, 1, 778}}}},
+        // gap 6, Half 1
+        {500, 300, 3, 0, 0, 1920, 1080, {{{0, 299, 494, 3}, {506, 299, 1414, 3}, {499, 0, 3, 294}, {499, 306, 3, 774}}}},
+        // origin off zero: arms 1 and 2 sit at ScreenTop + y, arm 2 runs past the right edge
+        {100, 50, 1, -1280, -200, 3200, 1280,
+         {{{-1280, -150, 1378, 1}, {102, -150, 3098, 1}, {100, -200, 1, 248}, {100, 52, 1, 1228}}}},
+        // near the edges widths and heights go negative and stay so
+        {1, 0, 3, 0, 0, 1920, 1080, {{{0, -1, -5, 3}, {7, -1, 1913, 3}, {0, 0, 3, -6}, {0, 6, 3, 1074}}}},
+        {1919, 1079, 1, 0, 0, 1920, 1080,
+         {{{0, 1079, 1917, 1}, {1921, 1079, -1, 1}, {1919, 0, 1, 1077}, {1919, 1081, 1, -1}}}},
+    };
+    for (const Row& r : rows) {
+        const auto got = AddLineRects(r.x, r.y, r.t, r.sl, r.st, r.sw, r.sh);
+        for (int i = 0; i < 4; ++i) EXPECT_EQ(got[i], r.arms[i]) << "cursor " << r.x << ',' << r.y << " arm " << i + 1;
+    }
+}
+
+TEST(GeometryAddLineRects, Overflow) {
+    // the 32-bit width 32998 of arm 1 does not fit its field; the others do
+    EXPECT_EQ(ErrorOf([] { AddLineRects(33000, 0, 1, 0, 0, 1920, 1080); }), kOverflow);
+    EXPECT_EQ(ErrorOf([] { AddLineRects(0, -40000, 1, 0, 0, 1920, 1080); }), kOverflow);
+    EXPECT_EQ(ErrorOf([] { AddLineRects(0, 0, 16384, 0, 0, 1920, 1080); }), kOverflow);  // the gap 2 * T
+    EXPECT_EQ(ErrorOf([] { AddLineRects(0, INT32_MAX, 1, 0, 1, 1920, 1080); }), kOverflow);
+}
+
+TEST(GeometryHitTest, Rows) {
+    struct Row { std::int32_t x, y, hpos, vpos; std::int16_t hlen, vlen, thick, prox, sl, st, sw; std::int16_t hit; };
+    // Marker at (500, 400), lengths 101: l 450, t 350, l + h 551, l + w 551.
+    const Row rows[] = {
+        {500, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // crossing point
+        {497, 350, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // inclusive corners
+        {503, 551, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // bottom limit l + h, past the line
+        {500, 552, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        {500, 349, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        {496, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
+        {450, 403, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
+        {551, 397, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
+        {449, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        {552, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        {470, 404, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        // proximity 0, thickness 1: only the exact column or row
+        {500, 420, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitVertical},
+        {501, 420, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitNone},
+        {470, 400, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitHorizontal},
+        {470, 401, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitNone},
+        // half thickness 4 beats proximity 2; proximity 5 beats half thickness 1
+        {504, 420, 500, 400, 101, 101, 9, 2, 0, 0, 1920, kHitVertical},
+        {505, 420, 500, 400, 101, 101, 9, 2, 0, 0, 1920, kHitNone},
+        {505, 420, 500, 400, 101, 101, 3, 5, 0, 0, 1920, kHitVertical},
+        {506, 420, 500, 400, 101, 101, 3, 5, 0, 0, 1920, kHitNone},
+        // near the left edge l is clamped to 0, so l + h = 100 lies above t = 550:
+        // the vertical line cannot be grabbed and the crossing goes to the horizontal
+        {10, 600, 10, 600, 200, 100, 1, 2, 0, 0, 1920, kHitHorizontal},
+        {10, 560, 10, 600, 200, 100, 1, 2, 0, 0, 1920, kHitNone},
+        // near the right edge the band reaches far below the line's end at 150
+        {1800, 1800, 1800, 100, 200, 100, 1, 2, 0, 0, 1920, kHitVertical},
+        {1800, 1801, 1800, 100, 200, 100, 1, 2, 0, 0, 1920, kHitNone},
+        // Hlen 0: a horizontal target one pixel wide at l (the vertical misses, l + h = 30)
+        {20, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitHorizontal},
+        {21, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitNone},
+        {19, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitNone},
+        // "S" on a shifted virtual screen: l -1280, l + h = 1920
+        {0, 1920, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitVertical},
+        {0, 1921, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitNone},
+        {-1280, 1, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitHorizontal},
+        {-1281, 1, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitNone},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(HitTestMarker(r.x, r.y, r.hpos, r.vpos, r.hlen, r.vlen, r.thick, r.prox, r.sl, r.st, r.sw), r.hit)
+            << "point " << r.x << ',' << r.y << " marker " << r.hpos << ',' << r.vpos;
+}
+
+TEST(GeometryHitTest, SixteenBitSums) {
+    // l 29995 + h 5000 overflows even for a point far from the marker
+    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 30000, 100, 10, 5000, 1, 3, 0, 0, 1920); }), kOverflow);
+    // l 27000 + w 6000 overflows once the vertical test has missed...
+    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920); }), kOverflow);
+    // ...and is never reached when the vertical line is hit
+    EXPECT_EQ(HitTestMarker(30000, 100, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920), kHitVertical);
+    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 40000, 100, 10, 10, 1, 3, 0, 0, 1920); }), kOverflow);
+    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, INT32_MAX, 0, S, S, 1, 3, 0, 0, 1920); }), kOverflow);
+}
+
+}  // namespace
+}  // namespace ostrivane
