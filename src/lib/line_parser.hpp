@@ -31,9 +31,11 @@ struct LineParseOptions {
 // Cuts pstrLine into parts stored in aryParts from index 1 on; index 0 is
 // unused and the upper bound is aryParts.size() - 1, as the caller sized it.
 // PartLocs, when given, receives each part's 1-based start at the same index.
-// Returns the part count. Raises 1000 on the object-error base for an odd
-// pair argument or too many parts, and Subscript out of range (9) for a
-// table of more than 50 rows or a PartLocs too short.
+// Entries past the count are left as they were. Returns the part count.
+// Raises 1000 on the object-error base for an odd pair argument or too many
+// parts, Subscript out of range (9) for a table of more than 50 rows or a
+// PartLocs too short, and Overflow (6) past 32767 parts. Parts stored before
+// an error stay stored.
 std::int16_t lib_GetLineParts3(std::string_view pstrLine, std::vector<std::string>& aryParts,
                                const LineParseOptions& options, std::vector<std::int32_t>* PartLocs = nullptr);
 

@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+#include "lib/errors.hpp"
+#include "lib/line_parser.hpp"
+
+// Options are written with designated initializers; the members left out are
+// meant to keep their defaults.
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+
+namespace ostrivane {
+namespace {
+
+using Parts = std::vector<std::string>;
+constexpr std::int32_t kParserError = kObjectErrorBase + 1000;
+
+Parts Split(std::string_view line, const LineParseOptions& o) {
+    Parts ary(64);
+    const std::int16_t n = lib_GetLineParts3(line, ary, o);
+    return Parts(ary.begin() + 1, ary.begin() + 1 + n);
+}
+
+template <class F>
+RuntimeError ErrorOf(F&& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return e;
+    }
+    return RuntimeError(0, "", "no error");
+}
+
+// The options of the two library callers that split paths and web pages.
+LineParseOptions PathCall(std::string sep) {
+    return {.DropDelims = std::move(sep), .DelimsUnused = true, .DelimToPrevPart = true, .KeepPairWhole = true,
+            .QuotePairs = "\"\"", .PairInsidePart = true, .TrimParts = true};
+}
+LineParseOptions PageCall() {
+    LineParseOptions o = PathCall("\r\n");
+    o.KeepSplitPairs = "<>{}";
+    return o;
+}
+
+const std::string kNul(1, '\0');
+
+TEST(LineParser, SplitsAsTheTableSays) {
+    struct Case { std::string line; LineParseOptions o; Parts want; };
+    const Case cases[] = {
+        {"", {.DropDelims = "\\"}, {}},
+        {"", {.KeepBlanks = true}, {""}},  // the end mark alone ends a blank part
+        {"a\\\\b", {.DropDelims = "\\"}, {"a", "b"}},
+        {"a\\\\b", {.DropDelims = "\\", .KeepBlanks = true}, {"a", "b"}},
+        {"a\\", {.DropDelims = "\\"}, {"a"}},
+        {"a\\", {.DropDelims = "\\", .KeepBlanks = true}, {"a", ""}},
+        {"\\\\a", {.DropDelims = "\\", .KeepBlanks = true}, {"", "a"}},
+        {"a\\/b", {.DropDelims = "\\", .DropDelims2 = "/", .KeepBlanks = true}, {"a", "", "b"}},
+        {"a\\ \\b", {.DropDelims = "\\", .TrimParts = true, .KeepBlanks = true}, {"a", "", "b"}},
+        {"a\\,\\b", {.DropDelims = "\\", .HardDelims = ",", .KeepBlanks = true}, {"a", "", "", "b"}},
+        {"a,,b", {.HardDelims = ","}, {"a", "b"}},
+        {"a,,b", {.HardDelims = ",", .KeepBlanks = true}, {"a", "", "b"}},
+        {"axxb", {.DropDelims = "x", .HardDelims = "x", .KeepBlanks = true}, {"a", "b"}},  // first row wins
+        {std::string("a\0b", 3), {}, {"a", "b"}},
+        {"  a  ,  b ", {.HardDelims = ","}, {"  a  ", "  b "}},
+        {"  a  ,  ,\tb ", {.HardDelims = ",", .TrimParts = true}, {"a", "\tb"}},
+        {"key=value", {.PartDelims = "=", .DelimToPrevPart = true}, {"key=", "value"}},
+        {"key=value", {.PartDelims = "="}, {"key", "=", "value"}},
+        {"=a", {.PartDelims = "=", .KeepBlanks = true}, {"", "=", "a"}},
+        {"say \"hello world\" now", {.HardDelims = " ", .QuotePairs = "\"\""}, {"say", "hello world", "now"}},
+        {"ab\"c d\"ef g", {.HardDelims = " ", .QuotePairs = "\"\""}, {"ab", "c d", "ef", "g"}},
+        {"ab\"c d\"ef g", {.HardDelims = " ", .QuotePairs = "\"\"", .PairInsidePart = true}, {"abc def", "g"}},
+        {"ab\"c d\"ef", {.HardDelims = " ", .KeepQuotePairs = "\"\""}, {"ab", "\"c d\"", "ef"}},
+        {"\"a\"", {.QuotePairs = "\"\"", .KeepBlanks = true}, {"", "a", ""}},
+        {"x\"\"", {.QuotePairs = "\"\"", .KeepBlanks = true}, {"x", ""}},  // a closer ends only an open part
+        {"f(a (b c) d) g", {.HardDelims = " ", .QuotePairs = "()"}, {"f", "a (b c) d", "g"}},
+        {"f(a (b c) d) g", {.HardDelims = " ", .QuotePairs = "()", .FlattenNested = true, .TrimParts = true},
+         {"f", "a", "b c", "d", "g"}},
+        {"'a \"b' c\"", {.HardDelims = " ", .QuotePairs = "''\"\""}, {"a \"b' c"}},
+        {"a)b", {.QuotePairs = "()"}, {"a", "b"}},
+        {"x (a b", {.HardDelims = " ", .QuotePairs = "()"}, {"x", "a b" + kNul}},
+        {"a[b c]d", {.HardDelims = " ", .SplitPairs = "[]"}, {"a", "b", "c", "d"}},
+        {"[]", {.SplitPairs = "[]", .KeepBlanks = true}, {"", "", ""}},
+        {"[a b]", {.HardDelims = " ", .SplitPairs = "[]", .QuotePairs = "[]"}, {"a b"}},
+        {"x'y'z", {.KeepSplitPairs = "''", .KeepPairWhole = true}, {"x", "'y'", "z"}},
+        {"<b>x</b>", {.KeepSplitPairs = "<>"}, {"<", "b", ">", "x", "<", "/b", ">"}},
+        {"<p class=\"x\">Hi <b>there</b></p>",
+         {.KeepSplitPairs = "<>", .KeepPairWhole = true, .QuotePairs = "\"\"", .PairInsidePart = true, .TrimParts = true},
+         {"<p class=x>", "Hi", "<b>", "there", "</b>", "</p>"}},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Split(c.line, c.o), c.want) << "line: " << c.line;
+}
+
+TEST(LineParser, SplitsPathsLikeTheLibraryDoes) {
+    EXPECT_EQ(Split("C:\\Program Files\\\\ \"My Data\" \\ sub dir \\file.ini", PathCall("\\")),
+              (Parts{"C:", "Program Files", "My Data", "sub dir", "file.ini"}));
+    EXPECT_EQ(Split("\\\\server\\share\\a\"b\\c\"d\\", PathCall("\\")), (Parts{"server", "share", "ab\\cd"}));
+    EXPECT_EQ(Split("//host/share/x", PathCall("/")), (Parts{"host", "share", "x"}));
+}
+
+TEST(LineParser, CutsAWebPageIntoLinesAndTags) {
+    const std::string page =
+        "<HTML>\r\n<HEAD><TITLE>Version</TITLE></HEAD>\r\n<BODY>\r\n  2.4.1  \r\n</BODY>\r\n"
+        "<a href=\"http://x/?a=1&b=2\">Link text</a><img alt=\"a>b\">\r\n<style>p {color: red}</style>\r\n"
+        "He said \"hi\" there\r\n<p>5\" screen</p>\r\n<p>x</p>\r\n";
+    const Parts want = {"<HTML>", "<HEAD>", "<TITLE>", "Version", "</TITLE>", "</HEAD>", "<BODY>", "2.4.1",
+                        "</BODY>", "<a href=http://x/?a=1&b=2>", "Link text", "</a>", "<img alt=a>b>", "<style>",
+                        "p", "{color: red}", "</style>", "He said hi there", "<p>",
+                        "5 screen</p>\r\n<p>x</p>\r\n" + kNul};  // an unclosed quote takes the rest
+    Parts ary(100000);
+    ASSERT_EQ(lib_GetLineParts3(page, ary, PageCall()), static_cast<std::int16_t>(want.size()));
+    EXPECT_EQ(Parts(ary.begin() + 1, ary.begin() + 1 + static_cast<std::ptrdiff_t>(want.size())), want);
+}
+
+TEST(LineParser, PartLocsHoldEachPartsFirstCharacter) {
+    struct Case { std::string line; LineParseOptions o; std::vector<std::int32_t> want; };
+    const Case cases[] = {
+        {" ab,,cd", {.HardDelims = ",", .TrimParts = true}, {1, 6}},
+        {",ab,,cd", {.HardDelims = ",", .KeepBlanks = true}, {0, 2, 2, 6}},  // a blank keeps the last start
+        {"x \"ab\"", {.HardDelims = " ", .QuotePairs = "\"\""}, {1, 4}},
+        {"x \"ab\"", {.HardDelims = " ", .KeepQuotePairs = "\"\""}, {1, 3}},
+    };
+    for (const Case& c : cases) {
+        Parts ary(10);
+        std::vector<std::int32_t> locs(10, -7);
+        const std::int16_t n = lib_GetLineParts3(c.line, ary, c.o, &locs);
+        EXPECT_EQ(std::vector<std::int32_t>(locs.begin() + 1, locs.begin() + 1 + n), c.want) << c.line;
+        EXPECT_EQ(locs[0], -7);
+    }
+}
+
+TEST(LineParser, TableHoldsFiftyRows) {
+    const std::string delims24 = "abcdefghijklmnopqrstuvwx";  // 48 rows, end marks make 50
+    EXPECT_EQ(Split("1x2a3", {.DropDelims = delims24}), (Parts{"1", "2", "3"}));
+    EXPECT_EQ(ErrorOf([&] { Split("1", {.DropDelims = delims24 + "y"}); }).number(), kSubscriptOutOfRange);
+    const std::string delims23 = delims24.substr(1);
+    EXPECT_EQ(Split("1[2]3", {.DropDelims = delims23, .SplitPairs = "[]"}), (Parts{"1", "2", "3"}));
+    // row 51 is reached before the pair count is looked at
+    EXPECT_EQ(ErrorOf([&] { Split("1", {.DropDelims = delims23, .SplitPairs = "[]{"}); }).number(),
+              kSubscriptOutOfRange);
+    EXPECT_EQ(ErrorOf([&] { Split("1", {.PartDelims = "=", .QuotePairs = std::string(48, '"')}); }).number(),
+              kSubscriptOutOfRange);
+}
+
+TEST(LineParser, OddPairArgumentIsRejected) {
+    const LineParseOptions odd[] = {{.QuotePairs = "\""}, {.KeepQuotePairs = "()["}, {.SplitPairs = "<"},
+                                    {.KeepSplitPairs = "<>{"}, {.DropDelims = "\\", .SplitPairs = "[]<"}};
+    for (const LineParseOptions& o : odd) {
+        const RuntimeError e = ErrorOf([&] { Split("a", o); });
+        EXPECT_EQ(e.number(), kParserError);
+        EXPECT_EQ(e.source(), "Vexil.lib_GetLineParts3");
+        EXPECT_EQ(e.description(), "Uneven pair passed");
+    }
+}
+
+TEST(LineParser, TooManyPartsKeepsThoseStored) {
+    Parts ary(4, "old");
+    const RuntimeError e = ErrorOf([&] { lib_GetLineParts3("a b c d e", ary, {.HardDelims = " "}); });
+    EXPECT_EQ(e.number(), kParserError);
+    EXPECT_EQ(e.source(), "Vexil.lib_GetLineParts3");
+    EXPECT_EQ(e.description(), "LineParts array too small (Part Cnt>3)\r\nLine=a b c d e" + kNul);
+    EXPECT_EQ(ary, (Parts{"old", "a", "b", "c"}));
+
+    Parts none;
+    EXPECT_EQ(ErrorOf([&] { lib_GetLineParts3("a", none, {}); }).description(),
+              "LineParts array too small (Part Cnt>-1)\r\nLine=a" + kNul);
+
+    Parts big(100000);
+    std::string line;
+    for (int i = 0; i < 33000; ++i) line += "p,";
+    EXPECT_EQ(ErrorOf([&] { lib_GetLineParts3(line, big, {.HardDelims = ","}); }).number(), kOverflow);
+    EXPECT_EQ(big[32767], "p");
+    EXPECT_EQ(big[32768], "");
+
+    Parts ary2(10);
+    std::vector<std::int32_t> locs(2);
+    EXPECT_EQ(ErrorOf([&] { lib_GetLineParts3("a b c", ary2, {.HardDelims = " "}, &locs); }).number(),
+              kSubscriptOutOfRange);
+    EXPECT_EQ(ary2[2], "b");
+    EXPECT_EQ(locs[1], 1);
+}
+
+TEST(LineParser, HandlesMegabyteLines) {
+    const std::size_t mb = 1 << 20;
+    Parts ary(100000);
+    std::string page;
+    int rows = 0;
+    for (; page.size() < mb; ++rows)
+        page += "<td class=\"c\">cell {x}</td> " + std::string(150, 't') + "\r\n";
+    ASSERT_EQ(lib_GetLineParts3(page, ary, PageCall()), 5 * rows);
+    EXPECT_EQ(ary[5 * rows - 2], "{x}");
+    EXPECT_EQ(ary[5 * rows], std::string(150, 't'));
+
+    const std::string quoted = "\"" + std::string(mb, 'q');
+    ASSERT_EQ(lib_GetLineParts3(quoted, ary, PathCall("\\")), 1);
+    EXPECT_EQ(ary[1].size(), mb + 1);
+    ASSERT_EQ(lib_GetLineParts3(std::string(mb, '('), ary, {.QuotePairs = "()", .FlattenNested = true}), 1);
+    EXPECT_EQ(ary[1], kNul);  // the end mark, swallowed by the open pairs
+    EXPECT_EQ(lib_GetLineParts3(std::string(mb, '\\'), ary, {.DropDelims = "\\", .KeepBlanks = true}), 2);
+}
+
+// Random lines and arguments: only the three errors, and what is stored is consistent.
+TEST(LineParser, SurvivesGarbage) {
+    int stored = 0;
+    for (unsigned seed = 1; seed <= 400; ++seed) {
+        std::mt19937 rng(seed);
+        auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+        std::string pool;
+        auto text = [&](std::size_t len) {
+            std::string s(len, '\0');
+            for (char& c : s) c = static_cast<char>(pick(4) == 0 ? ' ' : pick(256));
+            pool += s;
+            return s;
+        };
+        // Now and then an odd pair argument or a table past 50 rows.
+        auto singles = [&] { return text(static_cast<std::size_t>(pick(20) == 0 ? 30 : pick(4))); };
+        auto pairs = [&] { return text(static_cast<std::size_t>(2 * pick(3) + (pick(20) == 0 ? 1 : 0))); };
+        auto flag = [&] { return pick(2) == 0; };
+        const LineParseOptions o{singles(), singles(), flag(), singles(), singles(), flag(), pairs(), pairs(),
+                                 flag(), pairs(), pairs(), flag(), flag(), flag(), flag()};
+        std::string line(static_cast<std::size_t>(pick(seed % 10 == 0 ? 1 << 20 : seed % 3 == 0 ? 3000 : 200)), '\0');
+        for (char& c : line)  // half of it from the argument characters
+            c = pool.empty() || pick(2) == 0 ? static_cast<char>(pick(256))
+                                             : pool[static_cast<std::size_t>(pick(static_cast<int>(pool.size())))];
+        // A mark longer than any part, except for huge lines, where "" marks the unused entries.
+        const bool huge = line.size() > 100000;
+        const std::string mark = huge ? std::string() : std::string(line.size() + 2, 'S');
+        Parts ary(huge ? 40000 : 1 + static_cast<std::size_t>(pick(300)), mark);
+        std::vector<std::int32_t> locs(ary.size(), -1);
+        std::int16_t n = 0;
+        try {
+            n = lib_GetLineParts3(line, ary, o, &locs);
+        } catch (const RuntimeError& e) {
+            ASSERT_TRUE(e.number() == kParserError || e.number() == kSubscriptOutOfRange || e.number() == kOverflow)
+                << e.number();
+            continue;
+        }
+        ASSERT_GE(n, 0);
+        stored += n > 0;
+        std::int32_t lastLoc = 0;
+        std::size_t total = 0;
+        for (std::size_t i = 1; i < ary.size(); ++i) {
+            const std::string& p = ary[i];
+            if (i > static_cast<std::size_t>(n)) {
+                ASSERT_EQ(p, mark) << "seed " << seed << " index " << i;
+                continue;
+            }
+            if (!huge) {
+                ASSERT_NE(p, mark) << "seed " << seed;
+            }
+            ASSERT_TRUE(o.KeepBlanks || !p.empty()) << "seed " << seed;
+            if (o.TrimParts && !p.empty()) {
+                ASSERT_TRUE(p.front() != ' ' && p.back() != ' ');
+            }
+            ASSERT_GE(locs[i], p.empty() ? lastLoc : std::max(lastLoc, 1));
+            ASSERT_LE(locs[i], static_cast<std::int32_t>(line.size()) + 1);
+            lastLoc = locs[i];
+            total += p.size();
+            if (!o.TrimParts && !p.empty()) {
+                const auto at = static_cast<std::size_t>(locs[i]);
+                ASSERT_EQ(p.front(), at <= line.size() ? line[at - 1] : '\0') << "seed " << seed;
+            }
+        }
+        ASSERT_LE(total, line.size() + 1);
+    }
+    EXPECT_GT(stored, 150);  // most seeds get past the errors to the checks
+}
+
+}  // namespace
+}  // namespace ostrivane
