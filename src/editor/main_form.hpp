@@ -1,0 +1,161 @@
+// frmMain: the one editor of the marker table. It owns the application's
+// state for the whole run: the table, the form flags, the controls.
+// Its handlers live in one source file per subject:
+//   main_form.cpp           controls, captions, menus, start state
+//   main_form_state.cpp     table and fields in step, enable rules, check boxes
+//   main_form_fields.cpp    key filters, Validate corrections and tails, colours
+//   main_form_markers.cpp   append, delete, duplicate
+//   main_form_nudge.cpp     the four nudge bars
+//   main_form_groups.cpp    group list, load, save, rename, delete, deselect
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "form/controls.hpp"
+#include "form/form.hpp"
+#include "platform/dialogs.hpp"
+#include "platform/overlay.hpp"
+#include "store/markers.hpp"
+
+namespace ostrivane {
+
+inline constexpr char kMainFormCaption[] = "Ostrivane";
+
+class MainForm : public form::Form {
+public:
+    MainForm(Dialogs& dialogs, Overlay& overlay);
+
+    // ---- State ----------------------------------------------------------
+    MarkerStore store;  // Markers, MarkerCount, GlobalDefaults
+    ScreenMetrics screen;
+    std::string DataFile;
+    bool Dirty = false;
+    bool Loading = false;
+    bool Showing = false;
+    bool Unloading = false;
+    bool FlashPhase = false;
+    std::int16_t CurrentGroup = -1;
+    std::int16_t GroupFormat = 0;
+
+    // ---- Controls -------------------------------------------------------
+    form::ListBox lstGroups;
+    form::ListBox lstMarkers;
+    form::TextBox txtHpos, txtVpos, txtHlen, txtVlen, txtColour, txtThickness, txtOpacity;
+    form::CheckBox chkDotted;
+    form::TextBox txtHlenGrpDef, txtVlenGrpDef, txtColourGrpDef, txtThicknessGrpDef, txtOpacityGrpDef;
+    form::CheckBox chkDottedGrpDef;
+    form::TextBox txtGroupNotes;
+    form::TextBox txtHmax, txtVmax;
+    form::CommandButton cmdAddMarker, cmdDelMarker, cmdSaveGroup, cmdDelGroup, cmdShow;
+    form::CheckBox chkFlashSelected, chkCopyCurrOnAdd, chkAllowGrabMarkers;
+    form::CheckBox chkHideOnGo, chkRestoreOnStop;  // invisible, no part to play
+    form::Label lblMsg;
+    form::Label lblGroups, lblMarkers, lblMove, lblResize;
+    form::Label lblHpos, lblVpos, lblHlen, lblVlen, lblColour, lblThickness, lblOpacity, lblDotted;
+    form::ScrollBar scrNudgeX, scrNudgeY, scrNudgeW, scrNudgeH;
+    form::TextBox txtChangeModeHid;  // invisible: the command channel
+
+    form::MenuItem mnuFile, mnuFileMinToTray, mnuOptions, mnuExit;
+    form::MenuItem mnuEdit, mnuAddMarker, mnuDelMarker, mnuDupMarker, mnuSep2, mnuSaveGroup, mnuSaveAsGroup,
+        mnuRenGroup, mnuSep3, mnuExportGroup, mnuImportGroup, mnuSep4, mnuClearGroupSelection;
+    form::MenuItem mnuView, mnuShow, mnuFlashSelected, mnuStayOnTop;
+    form::MenuItem mnuHelp, mnuHelpHelp, mnuHelpCheckOnlineForUpdates, mnuHelpAbout;
+
+    form::Timer timAddMarker, timAddMarkerComplete, timMoveMarkerStart, timMoveMarker, timMoveMarkerComplete,
+        timFlashSelected;
+
+    // The menu bar in order.
+    std::vector<form::MenuItem*> MenuBar() { return {&mnuFile, &mnuEdit, &mnuView, &mnuHelp}; }
+
+    // ---- Overlay --------------------------------------------------------
+    void ShowMarker(int row) { overlay_.ShowMarker(row); }
+    void ShowAllMarkers() { overlay_.ShowAllMarkers(); }
+    void DestroyMarkerWindows(int row) { overlay_.DestroyMarkerWindows(row); }
+    void DestroyAllMarkerWindows() { overlay_.DestroyAllMarkerWindows(); }
+
+    // ---- Main form state (main_form_state.cpp) --------------------------
+    void UpdateMarkerTable();
+    void ClearMarkerFields();
+    void ClearGroupDefaults();
+    void EnableGroupControls(bool enable);
+    void EnableMarkerControls(bool fields, bool del);
+    void EnableNudgeMove(bool enable);
+    void EnableNudgeResize(bool enable);
+    void lstMarkers_Click();
+    void chkDotted_MouseDown();
+    void chkDotted_Click();
+    void chkDottedGrpDef_MouseDown();
+    void chkDottedGrpDef_Click();
+    void chkCopyCurrOnAdd_Click();
+    void chkAllowGrabMarkers_Click();
+    // Fills the group default controls from row 0.
+    void FillGroupDefaultFields();
+
+    // ---- Field rules (main_form_fields.cpp) ------------------------------
+    void SelectAllText(form::TextBox& textbox);
+    bool SetColourField(form::TextBox& textbox, const std::string& text);
+    bool ChartColour(form::TextBox& textbox);
+    void txtHpos_Validate(bool& cancel);
+    void txtVpos_Validate(bool& cancel);
+    void txtHlen_Validate(bool& cancel);
+    void txtVlen_Validate(bool& cancel);
+    void txtColour_Validate(bool& cancel);
+    void txtThickness_Validate(bool& cancel);
+    void txtOpacity_Validate(bool& cancel);
+    void txtHlenGrpDef_Validate(bool& cancel);
+    void txtVlenGrpDef_Validate(bool& cancel);
+    void txtColourGrpDef_Validate(bool& cancel);
+    void txtThicknessGrpDef_Validate(bool& cancel);
+    void txtOpacityGrpDef_Validate(bool& cancel);
+    void txtGroupNotes_Validate(bool& cancel);
+    void txtColour_DblClick();
+    void txtColourGrpDef_DblClick();
+    // Update and show the marker / all markers.
+    void UpdateAndShowMarker();
+    void UpdateAndShowAll();
+
+    // ---- Marker list (main_form_markers.cpp) ----------------------------
+    void AppendMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t hlen, std::int32_t vlen,
+                      std::int32_t colour, std::int32_t thickness, std::int32_t opacity, std::int32_t dotted);
+    // The list half of the end of a placement by mouse.
+    void AddMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t hlen, std::int32_t vlen, std::int32_t colour,
+                   std::int32_t thickness, std::int32_t opacity, std::int32_t dotted);
+    void cmdDelMarker_Click();
+    void mnuDupMarker_Click();
+
+    // ---- Nudge bars (main_form_nudge.cpp) -------------------------------
+    void SetNudgeRanges();
+    void scrNudgeX_Change();
+    void scrNudgeY_Change();
+    void scrNudgeW_Change();
+    void scrNudgeH_Change();
+
+    // ---- Groups (main_form_groups.cpp) ----------------------------------
+    static std::int16_t FindInList(const form::ListBox& list, const std::string& text);
+    void LoadGroupList();
+    void PromptToSave(bool allowCancel);
+    void SaveGroup();
+    void SaveGroupAs();
+    void RenameGroup();
+    void DeleteGroup();
+    void ClearGroupSelection();
+    void LoadGroup();
+    void lstGroups_DblClick();
+
+    Dialogs& dialogs() { return dialogs_; }
+
+private:
+    // Each subject connects its own handlers.
+    void WireStateEvents();
+    void WireFieldEvents();
+    void WireMarkerEvents();
+    void WireNudgeEvents();
+    void WireGroupEvents();
+
+    Dialogs& dialogs_;
+    Overlay& overlay_;
+};
+
+}  // namespace ostrivane

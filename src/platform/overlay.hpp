@@ -1,0 +1,17 @@
+// What the editor asks of the marker windows on the screen.
+#pragma once
+
+namespace ostrivane {
+
+class Overlay {
+public:
+    virtual ~Overlay() = default;
+    // Brings the two windows of one marker in line with the table.
+    virtual void ShowMarker(int row) = 0;
+    // Every marker when showing, then the main form to the front.
+    virtual void ShowAllMarkers() = 0;
+    virtual void DestroyMarkerWindows(int row) = 0;
+    virtual void DestroyAllMarkerWindows() = 0;
+};
+
+}  // namespace ostrivane
