@@ -118,6 +118,8 @@ void ListBox::CheckIndex(int index) const {
 }
 
 const std::string& ListBox::List(int index) const {
+    static const std::string kNoItem;
+    if (index == -1) return kNoItem;  // the text of "no item" is empty, as the toolkit gives it
     CheckIndex(index);
     return items_[static_cast<std::size_t>(index)].text;
 }

@@ -148,7 +148,7 @@ public:
 
     Selection MultiSelect() const { return mode_; }
     int ListCount() const { return static_cast<int>(items_.size()); }
-    // Item text; Invalid property value outside the list.
+    // Item text; index -1 gives the empty text; Invalid property value outside the list.
     const std::string& List(int index) const;
     void SetList(int index, std::string text);
     void AddItem(std::string text, int index = -1);
