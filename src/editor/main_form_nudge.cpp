@@ -1,7 +1,113 @@
+#include <algorithm>
+
 #include "editor/main_form.hpp"
+#include "lib/numbers.hpp"
+#include "lib/text.hpp"
 
 namespace ostrivane {
 
-void MainForm::WireNudgeEvents() {}
+namespace {
+
+// A bar's move as a 16-bit step: a gap too wide for 16 bits is an Overflow.
+std::int16_t Delta16(std::int64_t to, std::int64_t from) { return CheckedInt16(to - from); }
+
+}  // namespace
+
+void MainForm::WireNudgeEvents() {
+    scrNudgeX.Change.Connect([this] { scrNudgeX_Change(); });
+    scrNudgeY.Change.Connect([this] { scrNudgeY_Change(); });
+    scrNudgeW.Change.Connect([this] { scrNudgeW_Change(); });
+    scrNudgeH.Change.Connect([this] { scrNudgeH_Change(); });
+}
+
+void MainForm::SetNudgeRanges() {
+    const bool wasLoading = Loading;
+    Loading = true;
+    const ScreenMetrics& s = screen;
+    scrNudgeX.SetRange(Add16(s.ScreenLeft, 1), Add16(s.ScreenWidth, s.ScreenLeft));
+    scrNudgeY.SetRange(Add16(s.ScreenTop, 1), Add16(s.ScreenHeight, s.ScreenTop));
+    scrNudgeW.SetRange(1, s.ScreenWidth);
+    // Inverted: the value is the maximum minus the length.
+    scrNudgeH.SetRange(0, s.ScreenHeight);
+    Loading = wasLoading;
+}
+
+// The focused marker sets the step; every selected one takes the same step,
+// so the others may pass the screen's edge.
+void MainForm::scrNudgeX_Change() {
+    if (Loading) return;
+    const int a = lstMarkers.ListIndex() + 1;
+    const std::int16_t delta = Delta16(scrNudgeX.Value(), store.Markers(a, Hpos));
+    txtHpos.SetText(DecimalText(scrNudgeX.Value()));
+    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
+        if (!lstMarkers.Selected(i)) continue;
+        store.Markers(i + 1, Hpos) = Add32(store.Markers(i + 1, Hpos), delta);
+        ShowMarker(i + 1);
+    }
+    Dirty = true;
+}
+
+void MainForm::scrNudgeY_Change() {
+    if (Loading) return;
+    const int a = lstMarkers.ListIndex() + 1;
+    const std::int16_t delta = Delta16(scrNudgeY.Value(), store.Markers(a, Vpos));
+    txtVpos.SetText(DecimalText(scrNudgeY.Value()));
+    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
+        if (!lstMarkers.Selected(i)) continue;
+        store.Markers(i + 1, Vpos) = Add32(store.Markers(i + 1, Vpos), delta);
+        ShowMarker(i + 1);
+    }
+    Dirty = true;
+}
+
+namespace {
+
+// The length the focused marker has now: the field when it holds one, else
+// the cascade as the bars see it (row 0 only with a group loaded).
+std::int32_t CurrentLength(const std::string& text, const MarkerStore& store, int row, int column,
+                           std::int16_t CurrentGroup, std::int16_t wholeScreen) {
+    if (!text.empty()) return UCase(text) == "S" ? wholeScreen : TextToInt32(text);
+    const std::int32_t value = EffectiveValueForNudge(store, row, column, CurrentGroup);
+    return value == kWholeScreen ? wholeScreen : value;
+}
+
+// A cell with a length moves by the step; a blank or "S" cell becomes the
+// new length itself.
+void ResizeCell(std::int32_t& cell, std::int32_t cur, std::int16_t delta) {
+    cell = cell >= 0 ? Add32(cell, delta) : Add32(cur, delta);
+}
+
+}  // namespace
+
+void MainForm::scrNudgeW_Change() {
+    if (Loading) return;
+    const int a = lstMarkers.ListIndex() + 1;
+    const std::int32_t cur = CurrentLength(txtHlen.Text(), store, a, Hlen, CurrentGroup, screen.ScreenWidth);
+    const std::int16_t delta = Delta16(scrNudgeW.Value(), cur);
+    txtHlen.SetText(DecimalText(scrNudgeW.Value()));
+    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
+        if (!lstMarkers.Selected(i)) continue;
+        ResizeCell(store.Markers(i + 1, Hlen), cur, delta);
+        ShowMarker(i + 1);
+    }
+    Dirty = true;
+}
+
+// The bar runs inverted; at its maximum the line keeps a length of 1.
+void MainForm::scrNudgeH_Change() {
+    if (Loading) return;
+    const int a = lstMarkers.ListIndex() + 1;
+    const std::int16_t length = std::max<std::int16_t>(
+        Sub16(CheckedInt16(scrNudgeH.Max()), CheckedInt16(scrNudgeH.Value())), 1);
+    const std::int32_t cur = CurrentLength(txtVlen.Text(), store, a, Vlen, CurrentGroup, screen.ScreenHeight);
+    const std::int16_t delta = Delta16(length, cur);
+    txtVlen.SetText(DecimalText(length));
+    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
+        if (!lstMarkers.Selected(i)) continue;
+        ResizeCell(store.Markers(i + 1, Vlen), cur, delta);
+        ShowMarker(i + 1);
+    }
+    Dirty = true;
+}
 
 }  // namespace ostrivane
