@@ -242,4 +242,18 @@ std::int32_t Mul32(std::int32_t a, std::int32_t b) { return CheckedInt32(std::in
 
 std::string DecimalText(std::int64_t value) { return std::to_string(value); }
 
+std::string NumberToText(double value) {
+    if (std::isnan(value)) return "NaN";
+    if (std::isinf(value)) return value < 0 ? "-Inf" : "Inf";
+    if (value == 0) return "0";  // also for -0
+    // %G with 15 digits is the run time's own choice of form; to_chars keeps
+    // it free of the locale's decimal point.
+    char buffer[40];
+    const auto res = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 15);
+    std::string text(buffer, res.ptr);
+    for (char& c : text)
+        if (c == 'e') c = 'E';
+    return text;
+}
+
 }  // namespace ostrivane

@@ -51,4 +51,9 @@ std::int32_t Mul32(std::int32_t a, std::int32_t b);
 // Plain decimal text of an integer.
 std::string DecimalText(std::int64_t value);
 
+// A double as the run time writes it into text: integral values as plain
+// integers, fractions with up to 15 significant digits and no trailing zeros,
+// exponent form ("1E+15", "1.5E-05") below 1E-4 and from 1E+15 on.
+std::string NumberToText(double value);
+
 }  // namespace ostrivane

@@ -106,5 +106,21 @@ TEST(RuntimeError, CarriesNumberAndStandardText) {
     EXPECT_EQ(RuntimeErrorText(5), "Invalid procedure call or argument");
 }
 
+TEST(NumberToText, WritesDoublesAsTheRunTimeDoes) {
+    struct Row { double in; const char* out; };
+    const Row rows[] = {
+        {0, "0"}, {-0.0, "0"}, {12, "12"}, {-3, "-3"}, {1920, "1920"}, {12.5, "12.5"}, {-2.5, "-2.5"},
+        {0.1 + 0.2, "0.3"}, {1.0 / 3, "0.333333333333333"}, {2.0 / 3, "0.666666666666667"},
+        {2147483648.0, "2147483648"}, {999999999999999.0, "999999999999999"}, {123456789012345.6, "123456789012346"},
+        {1e15, "1E+15"}, {1e20, "1E+20"}, {-1.5e16, "-1.5E+16"}, {1e100, "1E+100"},
+        {0.0001, "0.0001"}, {0.00001, "1E-05"}, {1.5e-7, "1.5E-07"},
+    };
+    for (const Row& r : rows) EXPECT_EQ(NumberToText(r.in), r.out) << r.in;
+}
+
+TEST(NumberToText, ReadsBackThroughVal) {
+    for (double d : {7.0, 1919.5, -40.25, 1e20, 3e-9}) EXPECT_DOUBLE_EQ(Val(NumberToText(d)), d) << d;
+}
+
 }  // namespace
 }  // namespace ostrivane

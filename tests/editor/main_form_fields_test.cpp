@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "editor/main_form_fixture.hpp"
+
+namespace ostrivane::testing {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+// One marker at 100,200 with every other cell blank, selected, in a group
+// whose defaults are blank; the bars have the ranges of a 1920x1080 screen.
+class FieldsTest : public MainFormTest {
+protected:
+    void SetUp() override {
+        frm.scrNudgeX.SetRange(1, 1920);
+        frm.scrNudgeY.SetRange(1, 1080);
+        frm.scrNudgeW.SetRange(1, 1920);
+        frm.scrNudgeH.SetRange(0, 1080);
+        frm.ClearGroupDefaults();
+        frm.AppendMarker(100, 200, kBlank, kBlank, kBlank, kBlank, kBlank, kBlank);
+        frm.lstMarkers.ClickItem(0);
+        overlay.calls.clear();
+        frm.Dirty = false;
+    }
+
+    // Pastes text into a field (round the key filter) and leaves it.
+    void Leave(form::TextBox& field, const std::string& text) {
+        field.SetFocus();
+        field.SetText(text);
+        frm.cmdAddMarker.SetFocus();
+    }
+    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
+};
+
+TEST_F(FieldsTest, CorrectionThenUpdateThenShow) {
+    struct Row { form::TextBox& field; const char* typed; const char* shown; int row; int column; const char* call; };
+    const Row rows[] = {
+        {frm.txtThickness, "2", "1", 1, Thickness, "ShowMarker 1"},
+        {frm.txtThickness, "1000", "999", 1, Thickness, "ShowMarker 1"},
+        {frm.txtOpacity, "101", "100", 1, Opacity, "ShowMarker 1"},
+        {frm.txtHpos, "5000", "1920", 1, Hpos, "ShowMarker 1"},
+        {frm.txtVpos, "12abc", "12", 1, Vpos, "ShowMarker 1"},
+        {frm.txtHlen, "0", "1", 1, Hlen, "ShowMarker 1"},
+        {frm.txtVlen, "5000", "1080", 1, Vlen, "ShowMarker 1"},
+        {frm.txtThicknessGrpDef, "4", "3", 0, Thickness, "ShowAllMarkers"},
+        {frm.txtOpacityGrpDef, "0", "1", 0, Opacity, "ShowAllMarkers"},
+        {frm.txtHlenGrpDef, "9999", "1920", 0, Hlen, "ShowAllMarkers"},
+    };
+    for (const Row& r : rows) {
+        overlay.calls.clear();
+        Leave(r.field, r.typed);
+        EXPECT_EQ(r.field.Text(), r.shown) << r.field.Name();
+        EXPECT_EQ(Cell(r.row, r.column), std::stoi(r.shown)) << r.field.Name();
+        EXPECT_EQ(overlay.calls, Calls{r.call}) << r.field.Name();
+    }
+    EXPECT_TRUE(frm.Dirty);
+}
+
+TEST_F(FieldsTest, SPastedInEitherCaseStaysAndCountsAsWholeScreen) {
+    Leave(frm.txtHlen, "s");
+    EXPECT_EQ(frm.txtHlen.Text(), "s");
+    EXPECT_EQ(Cell(1, Hlen), kWholeScreen);
+    EXPECT_EQ(frm.scrNudgeW.Value(), 1920);
+}
+
+TEST_F(FieldsTest, BarsFollowTheFieldsAndTheDefaults) {
+    Leave(frm.txtHpos, "-40");  // no lower bound: the cell takes it, the bar cannot
+    EXPECT_EQ(Cell(1, Hpos), -40);
+    EXPECT_EQ(frm.scrNudgeX.Value(), 100);
+    Leave(frm.txtVlen, "40");
+    EXPECT_EQ(frm.scrNudgeH.Value(), 1040);  // inverted
+    Leave(frm.txtVlen, "1080");
+    EXPECT_EQ(frm.scrNudgeH.Value(), 1);     // never 0: the line cannot nudge away
+
+    frm.store.GlobalDefaults[Hlen] = 700;
+    Leave(frm.txtHlen, "");
+    EXPECT_EQ(frm.scrNudgeW.Value(), 700);
+    Leave(frm.txtHlenGrpDef, "300");  // the marker's bar follows its new default
+    EXPECT_EQ(frm.txtHlen.Text(), "");
+    EXPECT_EQ(frm.scrNudgeW.Value(), 300);
+    Leave(frm.txtVlen, "");
+    Leave(frm.txtVlenGrpDef, "400");
+    EXPECT_EQ(frm.scrNudgeH.Value(), 680);
+}
+
+TEST_F(FieldsTest, BlankPositionSuspendsTheRowAndLeavesTheBar) {
+    Leave(frm.txtHpos, "");
+    Leave(frm.txtThickness, "5");
+    EXPECT_EQ(frm.scrNudgeX.Value(), 100);
+    EXPECT_EQ(Cell(1, Hpos), 100);
+    EXPECT_EQ(Cell(1, Thickness), kBlank);
+}
+
+TEST_F(FieldsTest, LoadingHoldsBackPositionsAndLengthsOnly) {
+    std::vector<bool> loadingSeen;
+    for (form::ScrollBar* bar : {&frm.scrNudgeX, &frm.scrNudgeW})
+        bar->Change.Connect([&] { loadingSeen.push_back(frm.Loading); });
+    Leave(frm.txtHpos, "10");
+    Leave(frm.txtHlenGrpDef, "30");
+    EXPECT_EQ(loadingSeen, (std::vector<bool>{true, true}));  // bars set quietly
+    EXPECT_FALSE(frm.Loading);
+    // the group field ran the marker's Validate as its tail alone: one show
+    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowAllMarkers"}));
+
+    overlay.calls.clear();
+    frm.Loading = true;
+    bool cancel = false;
+    frm.txtHpos.SetText("300");
+    frm.txtHpos_Validate(cancel);
+    EXPECT_EQ(Cell(1, Hpos), 10);
+    EXPECT_EQ(frm.scrNudgeX.Value(), 300);
+    frm.txtHlen.SetText("0");
+    EXPECT_EQ(ErrorOf([&] { frm.txtHlen_Validate(cancel); }), form::kInvalidPropertyValue);  // not corrected
+    EXPECT_TRUE(overlay.calls.empty());
+
+    frm.txtHlen.SetText("");
+    frm.txtThickness.SetText("4");
+    frm.txtThickness_Validate(cancel);
+    EXPECT_EQ(frm.txtThickness.Text(), "3");
+    EXPECT_EQ(overlay.calls, Calls{"ShowMarker 1"});
+    EXPECT_TRUE(frm.Loading);  // restored, not cleared
+}
+
+TEST_F(FieldsTest, PastedTextThatIsNoNumberIsATypeMismatch) {
+    frm.txtThickness.SetFocus();
+    frm.txtThickness.SetText("abc");
+    EXPECT_EQ(ErrorOf([&] { frm.cmdAddMarker.SetFocus(); }), kTypeMismatch);
+    frm.txtHlen.SetText("S5");
+    bool cancel = false;
+    EXPECT_EQ(ErrorOf([&] { frm.txtHlen_Validate(cancel); }), kTypeMismatch);
+}
+
+TEST_F(FieldsTest, KeysAndSelection) {
+    frm.txtHlen.SetFocus();
+    frm.txtHlen.TypeKey('1');
+    frm.txtHlen.TypeKey('2');
+    EXPECT_EQ(frm.txtHlen.TypeKey('S'), 0);  // caret at the end of "12"
+    frm.cmdAddMarker.SetFocus();
+    frm.txtHlen.SetFocus();  // entering selects the whole text
+    EXPECT_EQ(frm.txtHlen.TypeKey('s'), 'S');
+    EXPECT_EQ(frm.txtHlen.Text(), "S");
+
+    frm.txtThickness.SetFocus();
+    for (char c : std::string("-1a2S.")) frm.txtThickness.TypeKey(c);
+    EXPECT_EQ(frm.txtThickness.Text(), "12");
+
+    frm.txtGroupNotes.SetText("notes");
+    frm.txtGroupNotes.SetFocus();
+    EXPECT_EQ(frm.txtGroupNotes.SelLength(), 0);
+    frm.Dirty = false;
+    frm.cmdAddMarker.SetFocus();  // left with no edit
+    EXPECT_TRUE(frm.Dirty);
+}
+
+TEST_F(FieldsTest, ColourFieldShowsItsColour) {
+    Leave(frm.txtColour, "0");
+    EXPECT_EQ(frm.txtColour.BackColor(), 0);
+    EXPECT_EQ(frm.txtColour.ForeColor(), form::kWhite);
+    EXPECT_EQ(Cell(1, Colour), 0);
+    Leave(frm.txtColour, "");
+    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
+    EXPECT_EQ(frm.txtColour.ForeColor(), form::kBlack);
+    EXPECT_EQ(Cell(1, Colour), kBlank);
+    Leave(frm.txtColour, "255.5");
+    EXPECT_EQ(frm.txtColour.Text(), "256");
+
+    overlay.calls.clear();
+    Leave(frm.txtColour, "99999999999");  // no 32-bit colour: box and table stay
+    EXPECT_EQ(frm.txtColour.BackColor(), 256);
+    EXPECT_EQ(Cell(1, Colour), 256);
+    EXPECT_TRUE(overlay.calls.empty());
+    EXPECT_TRUE(frm.SetColourField(frm.txtColour, "-1"));
+    EXPECT_EQ(frm.txtColour.Text(), "");
+}
+
+TEST_F(FieldsTest, ColourChart) {
+    dialogs.colourAnswers = {-1, 16711680, 0};
+    frm.txtColour.DblClick.Raise();
+    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
+    EXPECT_TRUE(overlay.calls.empty());
+
+    frm.txtColour.DblClick.Raise();
+    EXPECT_EQ(dialogs.asked[1].colour, form::kWhite);  // starts at the box's colour
+    EXPECT_EQ(frm.txtColour.Text(), "16711680");
+    EXPECT_EQ(Cell(1, Colour), 16711680);
+    frm.txtColourGrpDef.DblClick.Raise();
+    EXPECT_EQ(Cell(0, Colour), 0);
+    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowAllMarkers"}));
+}
+
+}  // namespace
+}  // namespace ostrivane::testing
