@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/run_time_error.hpp"
+
 #include <optional>
 #include <string>
 
@@ -9,14 +11,6 @@
 namespace ostrivane {
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 TEST(FieldRules, MinAndMaxOfOptionalNumbers) {
     using O = std::optional<double>;

@@ -10,6 +10,7 @@
 #include "editor/main_form.hpp"
 #include "fakes/fake_platform.hpp"
 #include "lib/errors.hpp"
+#include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
 
 namespace ostrivane::testing {
@@ -31,17 +32,6 @@ protected:
         std::stringstream s;
         s << in.rdbuf();
         return s.str();
-    }
-
-    // The number of the run-time error that f raises, 0 if none.
-    template <class F>
-    static int ErrorOf(F&& f) {
-        try {
-            f();
-        } catch (const RuntimeError& e) {
-            return e.number();
-        }
-        return 0;
     }
 
     TempDir dir;

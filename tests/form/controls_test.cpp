@@ -1,23 +1,18 @@
 #include <gtest/gtest.h>
 
+#include "support/run_time_error.hpp"
+
 #include <string>
 #include <vector>
 
 #include "form/controls.hpp"
+#include "fakes/fake_platform.hpp"
 #include "form/form.hpp"
 #include "lib/errors.hpp"
 
 namespace ostrivane::form {
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 TEST(FormModelEvents, PropertyWritesRaiseTheEventsTheLogicRelyOn) {
     Form f("frmTest");
@@ -155,3 +150,34 @@ TEST(FormModelBinding, PropertyChangesAreReported) {
 
 }  // namespace
 }  // namespace ostrivane::form
+
+namespace ostrivane::fakes {
+namespace {
+
+TEST(ManualClockTest, FiresDueTicksInTimeOrder) {
+    form::Form f("frmTest");
+    form::Timer fast(&f, "fast", 5);
+    form::Timer slow(&f, "slow", 200);
+    form::Timer once(&f, "once", 1);
+    ManualClock clock;
+    clock.Watch(fast);
+    clock.Watch(slow);
+    clock.Watch(once);
+    std::vector<std::string> log;
+    fast.Tick.Connect([&] { log.push_back("fast@" + std::to_string(clock.Now())); });
+    slow.Tick.Connect([&] { log.push_back("slow@" + std::to_string(clock.Now())); });
+    once.Tick.Connect([&] {  // a deferred call: one tick, then it switches itself off
+        log.push_back("once@" + std::to_string(clock.Now()));
+        once.SetTimerEnabled(false);
+        fast.SetTimerEnabled(false);
+    });
+    fast.SetTimerEnabled(true);
+    clock.Advance(12);
+    once.SetTimerEnabled(true);
+    slow.SetTimerEnabled(true);
+    clock.Advance(300);
+    EXPECT_EQ(log, (std::vector<std::string>{"fast@5", "fast@10", "once@13", "slow@212"}));
+}
+
+}  // namespace
+}  // namespace ostrivane::fakes

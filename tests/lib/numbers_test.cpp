@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/run_time_error.hpp"
+
 #include <cmath>
 
 #include "lib/errors.hpp"
@@ -8,14 +10,6 @@
 namespace ostrivane {
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 TEST(RoundTiesToEven, TiesGoToTheEvenNeighbour) {
     struct Row { double in; double out; };

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/run_time_error.hpp"
+
 #include <ostream>
 
 #include "lib/errors.hpp"
@@ -13,14 +15,6 @@ static std::ostream& operator<<(std::ostream& os, const LineRect& r) {
 
 namespace {
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 constexpr std::int16_t S = kWholeScreenLength;
 

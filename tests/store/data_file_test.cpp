@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/run_time_error.hpp"
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -28,14 +30,6 @@ void WriteAll(const std::string& path, const std::string& text) {
     out << text;
 }
 
-int ErrorOf(auto&& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return e.number();
-    }
-    return 0;
-}
 
 class DataFileTest : public ::testing::Test {
 protected:
