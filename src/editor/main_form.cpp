@@ -5,7 +5,7 @@ namespace ostrivane {
 using form::ListBox;
 using form::ScrollBar;
 
-MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
+MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop)
     : form::Form("frmMain"),
       lstGroups(this, "lstGroups", ListBox::Selection::Single),
       lstMarkers(this, "lstMarkers", ListBox::Selection::Extended),
@@ -54,6 +54,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
       scrNudgeW(this, "scrNudgeW", ScrollBar::Orientation::Horizontal),
       scrNudgeH(this, "scrNudgeH", ScrollBar::Orientation::Vertical),
       txtChangeModeHid(this, "txtChangeModeHid"),
+      cmdExit(this, "cmdExit"),
       mnuFile(this, "mnuFile", "&File"),
       mnuFileMinToTray(this, "mnuFileMinToTray", "&Minimise to system tray"),
       mnuOptions(this, "mnuOptions", "&Options"),
@@ -80,6 +81,12 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
       mnuHelpHelp(this, "mnuHelpHelp", "&Help"),
       mnuHelpCheckOnlineForUpdates(this, "mnuHelpCheckOnlineForUpdates", "&Check for updates"),
       mnuHelpAbout(this, "mnuHelpAbout", "&About"),
+      mnuPopup(this, "mnuPopup", "&SysTray"),
+      mnuPopupShow(this, "mnuPopupShow", "Show"),
+      mnuPopupAddMarker(this, "mnuPopupAddMarker", "Add Marker"),
+      mnuPopupRestore(this, "mnuPopupRestore", "Restore"),
+      mnuSep1(this, "mnuSep1", "-"),
+      mnuPopupExit(this, "mnuPopupExit", "Exit"),
       timAddMarker(this, "timAddMarker", 5),
       timAddMarkerComplete(this, "timAddMarkerComplete", 1),
       timMoveMarkerStart(this, "timMoveMarkerStart", 1),
@@ -87,7 +94,8 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
       timMoveMarkerComplete(this, "timMoveMarkerComplete", 1),
       timFlashSelected(this, "timFlashSelected", 200),
       dialogs_(dialogs),
-      overlay_(overlay) {
+      overlay_(overlay),
+      desktop_(desktop) {
     SetCaption(kMainFormCaption);
 
     struct Tip {
@@ -158,6 +166,9 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
     chkRestoreOnStop.SetVisible(false);
     txtChangeModeHid.SetVisible(false);
     txtChangeModeHid.SetText("txtChangeModeHid");  // its name tag for a second start
+    cmdExit.SetCaption("E&xit");
+    cmdExit.SetVisible(false);
+    mnuPopup.SetVisible(false);
 
     // Every text box but the two screen sizes is disabled at start, and so
     // are the buttons and bars that need a group or a selection.
@@ -180,12 +191,19 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay)
                      &mnuSep4,      &mnuClearGroupSelection};
     mnuView.Items = {&mnuShow, &mnuFlashSelected, &mnuStayOnTop};
     mnuHelp.Items = {&mnuHelpHelp, &mnuHelpCheckOnlineForUpdates, &mnuHelpAbout};
+    mnuPopup.Items = {&mnuPopupShow, &mnuPopupAddMarker, &mnuPopupRestore, &mnuSep1, &mnuPopupExit};
+
+    LayOutControls();
 
     WireStateEvents();
     WireFieldEvents();
     WireMarkerEvents();
     WireNudgeEvents();
     WireGroupEvents();
+    WireShowEvents();
+    WireStartupEvents();
+    WireCommandEvents();
+    WireTrayEvents();
 }
 
 }  // namespace ostrivane

@@ -7,6 +7,12 @@
 //   main_form_markers.cpp   append, delete, duplicate
 //   main_form_nudge.cpp     the four nudge bars
 //   main_form_groups.cpp    group list, load, save, rename, delete, deselect
+//   main_form_layout.cpp    where the controls stand, in twips
+// and, in the folders of their subsystems:
+//   overlay/main_form_show.cpp     Go: the switch between stopped and showing
+//   shell/main_form_startup.cpp    load, settings, unload, stay on top
+//   shell/main_form_commands.cpp   the command channel and the help text
+//   shell/main_form_tray.cpp       the tray icon, its popup, restore
 #pragma once
 
 #include <cstdint>
@@ -15,6 +21,7 @@
 
 #include "form/controls.hpp"
 #include "form/form.hpp"
+#include "platform/desktop.hpp"
 #include "platform/dialogs.hpp"
 #include "platform/overlay.hpp"
 #include "store/markers.hpp"
@@ -25,7 +32,7 @@ inline constexpr char kMainFormCaption[] = "Ostrivane";
 
 class MainForm : public form::Form {
 public:
-    MainForm(Dialogs& dialogs, Overlay& overlay);
+    MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop);
 
     // ---- State ----------------------------------------------------------
     MarkerStore store;  // Markers, MarkerCount, GlobalDefaults
@@ -38,6 +45,17 @@ public:
     bool FlashPhase = false;
     std::int16_t CurrentGroup = -1;
     std::int16_t GroupFormat = 0;
+    std::int16_t MouseMode = 0;  // 0 idle, 1 placing, 2 and 3 dragging a line
+    std::int16_t GrabbedMarker = 0;
+    std::int16_t AddMarkerThickness = 1;
+    std::int16_t GrabProximity = 10;
+    bool MouseHooked = false;
+    // The single-instance guard: whether a copy was already running.
+    struct InstanceGuardState {
+        bool owned = false;
+        bool InstExists() const { return !owned; }
+    } InstanceGuard;
+    bool TrayIconCreated = false;
 
     // ---- Controls -------------------------------------------------------
     form::ListBox lstGroups;
@@ -56,12 +74,15 @@ public:
     form::Label lblHpos, lblVpos, lblHlen, lblVlen, lblColour, lblThickness, lblOpacity, lblDotted;
     form::ScrollBar scrNudgeX, scrNudgeY, scrNudgeW, scrNudgeH;
     form::TextBox txtChangeModeHid;  // invisible: the command channel
+    form::CommandButton cmdExit;     // invisible: the one way out, behind mnuExit and mnuPopupExit
 
     form::MenuItem mnuFile, mnuFileMinToTray, mnuOptions, mnuExit;
     form::MenuItem mnuEdit, mnuAddMarker, mnuDelMarker, mnuDupMarker, mnuSep2, mnuSaveGroup, mnuSaveAsGroup,
         mnuRenGroup, mnuSep3, mnuExportGroup, mnuImportGroup, mnuSep4, mnuClearGroupSelection;
     form::MenuItem mnuView, mnuShow, mnuFlashSelected, mnuStayOnTop;
     form::MenuItem mnuHelp, mnuHelpHelp, mnuHelpCheckOnlineForUpdates, mnuHelpAbout;
+    // The tray icon's popup menu, no menu of the form's own.
+    form::MenuItem mnuPopup, mnuPopupShow, mnuPopupAddMarker, mnuPopupRestore, mnuSep1, mnuPopupExit;
 
     form::Timer timAddMarker, timAddMarkerComplete, timMoveMarkerStart, timMoveMarker, timMoveMarkerComplete,
         timFlashSelected;
@@ -144,7 +165,39 @@ public:
     void LoadGroup();
     void lstGroups_DblClick();
 
+    // ---- Show and stop (overlay/main_form_show.cpp) ---------------------
+    void Go();
+    // The mouse hook arrives with the hooks; until then these only keep the state.
+    void HookMouse();
+    void UnhookMouse();
+
+    // ---- Start-up and shutdown (shell/main_form_startup.cpp) -------------
+    // Returns false when this copy is to end at once (a second copy, or "/quit").
+    bool Form_Load(const std::string& commandLine);
+    void LoadSettings();
+    void Form_QueryUnload(bool& cancel, int unloadMode);
+    void cmdExit_Click();
+    void Form_Unload();
+    void ToggleStayOnTop(bool flag);
+    void ReadScreenMetrics();
+
+    // ---- Command channel (shell/main_form_commands.cpp) ------------------
+    void txtChangeModeHid_Change();
+    void mnuHelpHelp_Click();
+
+    // ---- Tray icon (shell/main_form_tray.cpp) ----------------------------
+    void CreateTrayIcon();
+    // The tray's notifications come in as a mouse move over the form.
+    void Form_MouseMove(int button, int shift, double x, double y);
+    void mnuPopupRestore_Click();
+    void mnuFileMinToTray_Click();
+
+    // ---- Layout (main_form_layout.cpp) -----------------------------------
+    void LayOutControls();
+
     Dialogs& dialogs() { return dialogs_; }
+    Desktop& desktop() { return desktop_; }
+    Overlay& overlay() { return overlay_; }
 
 private:
     // Each subject connects its own handlers.
@@ -153,9 +206,14 @@ private:
     void WireMarkerEvents();
     void WireNudgeEvents();
     void WireGroupEvents();
+    void WireShowEvents();
+    void WireStartupEvents();
+    void WireCommandEvents();
+    void WireTrayEvents();
 
     Dialogs& dialogs_;
     Overlay& overlay_;
+    Desktop& desktop_;
 };
 
 }  // namespace ostrivane

@@ -32,6 +32,17 @@ void Control::SetToolTipText(std::string text) {
     Changed(Property::ToolTipText);
 }
 
+void Control::Move(int left, int top, int width, int height) {
+    Left = left;
+    Top = top;
+    Width = width;
+    Height = height;
+    Changed(Property::Geometry);
+}
+
+PictureBox::PictureBox(Form* owner, std::string name, std::string picture)
+    : Control(owner, std::move(name)), picture_(std::move(picture)) {}
+
 bool Control::SetFocus() { return owner_ ? owner_->SetFocusTo(*this) : false; }
 
 void Label::SetCaption(std::string caption) {

@@ -24,7 +24,7 @@ inline constexpr std::int32_t kInvalidPropertyValue = 380;
 
 enum class Property {
     Text, Caption, Enabled, Visible, BackColor, ForeColor, ToolTipText, Selection, Value, Range,
-    Items, ListIndex, Selected, Checked, Interval, TimerEnabled, Focus,
+    Items, ListIndex, Selected, Checked, Interval, TimerEnabled, Focus, Geometry,
 };
 
 class Control {
@@ -48,6 +48,14 @@ public:
 
     // Gives this control the focus through its form, validating the one left.
     bool SetFocus();
+
+    // Place and size on the form, in twips (15 to a pixel).
+    int Left = 0;
+    int Top = 0;
+    int Width = 0;
+    int Height = 0;
+    void Move(int left, int top, int width, int height);
+    bool TabStop = true;
 
     Event<> GotFocus;
     Event<> LostFocus;
@@ -74,6 +82,16 @@ public:
 
 private:
     std::string caption_;
+};
+
+// A picture drawn by the desktop from its name (a sign, an icon).
+class PictureBox : public Control {
+public:
+    PictureBox(Form* owner, std::string name, std::string picture);
+    const std::string& Picture() const { return picture_; }
+
+private:
+    std::string picture_;
 };
 
 class TextBox : public Control {

@@ -12,6 +12,8 @@ public:
     virtual void ShowAllMarkers() = 0;
     virtual void DestroyMarkerWindows(int row) = 0;
     virtual void DestroyAllMarkerWindows() = 0;
+    // Gives back every window class registered during the run (at unload).
+    virtual void UnregisterMarkerClasses() = 0;
 };
 
 }  // namespace ostrivane

@@ -17,7 +17,7 @@ namespace ostrivane::testing {
 
 class MainFormTest : public ::testing::Test {
 protected:
-    MainFormTest() : frm(dialogs, overlay) {
+    MainFormTest() : frm(dialogs, overlay, desktop) {
         frm.screen = {1920, 1080, 0, 0};
         frm.DataFile = dir.file("ostrivane.ini");
     }
@@ -37,6 +37,7 @@ protected:
     TempDir dir;
     fakes::FakeDialogs dialogs;
     fakes::FakeOverlay overlay;
+    fakes::FakeDesktop desktop;
     MainForm frm;
 };
 

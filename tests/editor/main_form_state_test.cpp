@@ -174,7 +174,7 @@ TEST_F(MainFormState, GroupDefaultsReachRowZeroOnlyWithMarkersAndAClearedRow) {
     EXPECT_EQ(frm.store.Markers(0, Dotted), 1);
     EXPECT_TRUE(frm.Dirty);
 
-    MainForm fresh(dialogs, overlay);  // row 0 still all 0: the form is not ready
+    MainForm fresh(dialogs, overlay, desktop);  // row 0 still all 0: the form is not ready
     fresh.AppendMarker(1, 2, 3, 4, 5, 1, 100, 0);
     fresh.txtHlenGrpDef.SetText("40");
     fresh.UpdateMarkerTable();
@@ -183,7 +183,7 @@ TEST_F(MainFormState, GroupDefaultsReachRowZeroOnlyWithMarkersAndAClearedRow) {
 }
 
 TEST_F(MainFormState, EmptyGroupKeepsTypedDefaultsOutOfTheTable) {
-    MainForm empty(dialogs, overlay);
+    MainForm empty(dialogs, overlay, desktop);
     empty.ClearGroupDefaults();
     empty.txtHlenGrpDef.SetText("40");
     empty.UpdateMarkerTable();

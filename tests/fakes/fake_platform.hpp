@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -10,7 +11,10 @@
 #include <vector>
 
 #include "form/controls.hpp"
+#include "form/form.hpp"
+#include "platform/desktop.hpp"
 #include "platform/dialogs.hpp"
+#include "platform/line_windows.hpp"
 #include "platform/overlay.hpp"
 
 namespace ostrivane::fakes {
@@ -65,6 +69,111 @@ public:
     void ShowAllMarkers() override { calls.push_back("ShowAllMarkers"); }
     void DestroyMarkerWindows(int row) override { calls.push_back("DestroyMarkerWindows " + std::to_string(row)); }
     void DestroyAllMarkerWindows() override { calls.push_back("DestroyAllMarkerWindows"); }
+    void UnregisterMarkerClasses() override { calls.push_back("UnregisterMarkerClasses"); }
+};
+
+// The desktop, recording what it was asked to do.
+class FakeDesktop final : public Desktop {
+public:
+    std::int32_t metrics[4] = {0, 0, 1920, 1080};  // x, y, width, height of the virtual screen
+    bool instanceFree = true;                       // no other copy holds the guard
+    std::vector<std::string> calls;
+    std::vector<std::string> forwarded;
+    std::vector<std::string> clipboard;
+    // What a modal form does while it is up; by default it closes at once.
+    std::function<void(form::Form&)> whileModal;
+
+    std::int32_t GetSystemMetrics(int index) override {
+        switch (index) {
+            case SM_XVIRTUALSCREEN: return metrics[0];
+            case SM_YVIRTUALSCREEN: return metrics[1];
+            case SM_CXVIRTUALSCREEN: return metrics[2];
+            case SM_CYVIRTUALSCREEN: return metrics[3];
+            default: return 0;
+        }
+    }
+    void SetForegroundWindow(form::Form& f) override { calls.push_back("SetForegroundWindow " + f.Name()); }
+    void SetTopmost(form::Form& f, bool on) override {
+        calls.push_back(std::string("SetTopmost ") + f.Name() + (on ? " on" : " off"));
+        f.SetVisible(true);
+    }
+    void ShowModal(form::Form& f) override {
+        calls.push_back("ShowModal " + f.Name());
+        f.SetVisible(true);
+        if (whileModal) whileModal(f);
+        f.SetVisible(false);
+    }
+    void DoEvents() override { calls.push_back("DoEvents"); }
+    void EndProgram() override { calls.push_back("EndProgram"); }
+    void Beep() override { calls.push_back("Beep"); }
+    bool SetClipboardText(const std::string& text) override {
+        clipboard.push_back(text);
+        return true;
+    }
+    void PrintForm(form::Form& f) override { calls.push_back("PrintForm " + f.Name()); }
+    void AddTrayIcon(const std::string& tip) override { calls.push_back("AddTrayIcon " + tip); }
+    void RemoveTrayIcon() override { calls.push_back("RemoveTrayIcon"); }
+    void ShowPopupMenu(form::MenuItem& menu) override { calls.push_back("ShowPopupMenu " + menu.Name()); }
+    bool AcquireInstance(const std::string& name) override {
+        calls.push_back("AcquireInstance " + name);
+        return instanceFree;
+    }
+    void ReleaseInstance() override { calls.push_back("ReleaseInstance"); }
+    void ForwardCommand(const std::string& name, const std::string& commandText) override {
+        calls.push_back("ForwardCommand " + name);
+        forwarded.push_back(commandText);
+    }
+};
+
+// Line windows kept as records: class, rectangle, alpha, painted class.
+class FakeLineWindows final : public LineWindows {
+public:
+    struct Window {
+        std::string className;
+        PixelRect rect;
+        int alpha = -1;
+        std::string paintedWith;
+    };
+    struct Class {
+        std::int32_t colour;
+        std::int32_t dotted;
+    };
+    std::map<std::string, Class> classes;
+    std::map<WindowHandle, Window> windows;
+    std::vector<std::string> calls;
+    WindowHandle nextHandle = 100;
+
+    void RegisterClass(const std::string& name, std::int32_t colour, std::int32_t dotted) override {
+        classes[name] = {colour, dotted};
+        calls.push_back("RegisterClass " + name);
+    }
+    void UnregisterClass(const std::string& name) override {
+        classes.erase(name);
+        calls.push_back("UnregisterClass " + name);
+    }
+    WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect) override {
+        calls.push_back("Create " + className);
+        if (!classes.count(className)) return 0;
+        const WindowHandle h = nextHandle++;
+        windows[h] = {className, rect, -1, {}};
+        return h;
+    }
+    void SetAlpha(WindowHandle w, std::uint8_t alpha) override {
+        calls.push_back("SetAlpha " + std::to_string(w) + " " + std::to_string(alpha));
+        if (windows.count(w)) windows[w].alpha = alpha;
+    }
+    void MoveWindow(WindowHandle w, const PixelRect& rect) override {
+        calls.push_back("Move " + std::to_string(w));
+        if (windows.count(w)) windows[w].rect = rect;
+    }
+    void PaintWithClass(WindowHandle w, const std::string& className) override {
+        calls.push_back("Paint " + std::to_string(w) + " " + className);
+        if (windows.count(w)) windows[w].paintedWith = className;
+    }
+    void DestroyWindow(WindowHandle w) override {
+        calls.push_back("Destroy " + std::to_string(w));
+        windows.erase(w);
+    }
 };
 
 // Fires due timer ticks in time order. A timer enabled at time t first
