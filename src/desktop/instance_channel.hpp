@@ -1,0 +1,66 @@
+// The single-instance guard and the carrier of a second start's command
+// line: a lock file and a local socket in the user's runtime directory,
+// both reachable by this user only. The first copy holds the lock and
+// listens; a second copy sends its text and waits until the first copy's
+// handler has finished with it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+class QLockFile;
+class QObject;
+class QSocketNotifier;
+
+namespace ostrivane::desktop {
+
+class InstanceChannel {
+public:
+    InstanceChannel();
+    ~InstanceChannel();
+    InstanceChannel(const InstanceChannel&) = delete;
+    InstanceChannel& operator=(const InstanceChannel&) = delete;
+
+    // True when this copy now owns the name. A lock left by a copy that died
+    // is taken over. Without a usable private directory nothing can be
+    // owned, and the answer is false.
+    bool Acquire(const std::string& name);
+    // Gives the name back: no more listening, the lock is free. A command
+    // being handled still gets its answer.
+    void Release();
+    // Takes commands sent by later starts; each is handed to onCommand on
+    // this (the GUI) thread, and its sender is answered only afterwards.
+    // Needs the name to be owned; a second call replaces the handler.
+    void Listen(std::function<void(const std::string&)> onCommand);
+    // Sends text to the copy that owns name and returns once that copy has
+    // handled it, or has gone away. Nothing happens when no copy listens.
+    static void Forward(const std::string& name, const std::string& text);
+
+    // $XDG_RUNTIME_DIR, or <temp>/ostrivane-<uid> made private; empty when
+    // neither is a directory of this user closed to everyone else.
+    static std::string RuntimeDirectory();
+
+private:
+    struct Connection;
+
+    void Accept();
+    void Receive(std::uint64_t id);
+    void Handle(std::uint64_t id, const std::string& text);
+    void Close(std::uint64_t id, bool fromItsSignal = false);
+
+    std::string name_;
+    std::string socketPath_;
+    std::unique_ptr<QLockFile> lock_;
+    int listenFd_ = -1;
+    std::unique_ptr<QSocketNotifier> listening_;
+    std::function<void(const std::string&)> onCommand_;
+    std::map<std::uint64_t, std::unique_ptr<Connection>> connections_;
+    std::uint64_t nextId_ = 1;
+    // Context of the queued handler calls; they die with the channel.
+    std::unique_ptr<QObject> context_;
+};
+
+}  // namespace ostrivane::desktop
