@@ -17,6 +17,16 @@ extern std::string MessageText;
 // The answer of a Yes/No box; also the default button's when the countdown ends it.
 extern bool MessageAnswer;
 
+// True while the program says it is busy (the hourglass). The box clears it
+// while it is up and gives back what it found. Only the flag lives here: the
+// desktop shows no hourglass of its own yet.
+extern bool BusyState;
+void lib_SetBusy(bool on);
+
+// The request's seconds as they stand in MessageText: the last four
+// characters of the number, right-aligned and blank filled.
+std::string SecondsField(std::int16_t seconds);
+
 // Shows one box, or two when the message has 1250 characters or more.
 void lib_ShowMessage(Desktop& desktop, std::string_view typeText, std::string_view message, std::int16_t seconds,
                      std::string_view tabStops);
