@@ -28,6 +28,8 @@
 
 namespace ostrivane {
 
+class SettingStore;
+
 inline constexpr char kMainFormCaption[] = "Ostrivane";
 
 class MainForm : public form::Form {
@@ -180,6 +182,9 @@ public:
     void Form_Unload();
     void ToggleStayOnTop(bool flag);
     void ReadScreenMetrics();
+    // Where LoadSettings finds the data directory; set by main() (a test
+    // points it at a store of its own). Unset, LoadSettings raises 91.
+    SettingStore* settings = nullptr;
 
     // ---- Command channel (shell/main_form_commands.cpp) ------------------
     void txtChangeModeHid_Change();

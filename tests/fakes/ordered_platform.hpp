@@ -1,0 +1,94 @@
+// Dialogs, overlay and desktop writing to one shared log, for tests of the
+// order of calls across the three. Message box answers are scripted; a
+// desktop call named in `failing` raises Overflow after it is logged.
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "form/controls.hpp"
+#include "form/form.hpp"
+#include "lib/errors.hpp"
+#include "platform/desktop.hpp"
+#include "platform/dialogs.hpp"
+#include "platform/overlay.hpp"
+
+namespace ostrivane::fakes {
+
+using OrderedLog = std::vector<std::string>;
+
+class OrderedDialogs final : public Dialogs {
+public:
+    explicit OrderedDialogs(OrderedLog& log) : log_(log) {}
+    std::deque<int> msgBoxAnswers;
+    int MsgBox(const std::string& prompt, int, const std::string&) override {
+        log_.push_back("MsgBox " + prompt);
+        if (msgBoxAnswers.empty()) throw std::logic_error("unexpected message box: " + prompt);
+        const int answer = msgBoxAnswers.front();
+        msgBoxAnswers.pop_front();
+        return answer;
+    }
+    std::string InputBox(const std::string& prompt, const std::string&, const std::string&,
+                         std::optional<TwipPoint>) override {
+        throw std::logic_error("unexpected input box: " + prompt);
+    }
+    std::int32_t ChooseColor(std::int32_t) override { throw std::logic_error("unexpected colour chooser"); }
+
+private:
+    OrderedLog& log_;
+};
+
+class OrderedOverlay final : public Overlay {
+public:
+    explicit OrderedOverlay(OrderedLog& log) : log_(log) {}
+    void ShowMarker(int row) override { log_.push_back("ShowMarker " + std::to_string(row)); }
+    void ShowAllMarkers() override { log_.push_back("ShowAllMarkers"); }
+    void DestroyMarkerWindows(int row) override { log_.push_back("DestroyMarkerWindows " + std::to_string(row)); }
+    void DestroyAllMarkerWindows() override { log_.push_back("DestroyAllMarkerWindows"); }
+    void UnregisterMarkerClasses() override { log_.push_back("UnregisterMarkerClasses"); }
+
+private:
+    OrderedLog& log_;
+};
+
+class OrderedDesktop final : public Desktop {
+public:
+    explicit OrderedDesktop(OrderedLog& log) : log_(log) {}
+    std::int32_t metrics[4] = {0, 0, 1920, 1080};  // indexes 76 to 79: x, y, width, height
+    std::set<std::string> failing;
+
+    std::int32_t GetSystemMetrics(int index) override {
+        Log("GetSystemMetrics " + std::to_string(index));
+        return index >= 76 && index <= 79 ? metrics[index - 76] : 0;
+    }
+    void SetForegroundWindow(form::Form&) override { Log("SetForegroundWindow"); }
+    void SetTopmost(form::Form&, bool on) override { Log(on ? "SetTopmost on" : "SetTopmost off"); }
+    void ShowModal(form::Form& f) override { Log("ShowModal " + f.Name()); }
+    void DoEvents() override { Log("DoEvents"); }
+    void EndProgram() override { Log("EndProgram"); }
+    void Beep() override { Log("Beep"); }
+    bool SetClipboardText(const std::string&) override { return Log("SetClipboardText"); }
+    void PrintForm(form::Form&) override { Log("PrintForm"); }
+    void AddTrayIcon(const std::string& tip) override { Log("AddTrayIcon " + tip); }
+    void RemoveTrayIcon() override { Log("RemoveTrayIcon"); }
+    void ShowPopupMenu(form::MenuItem& menu) override { Log("ShowPopupMenu " + menu.Name()); }
+    bool AcquireInstance(const std::string& name) override { return Log("AcquireInstance " + name); }
+    void ReleaseInstance() override { Log("ReleaseInstance"); }
+    void ForwardCommand(const std::string& name, const std::string& text) override {
+        Log("ForwardCommand " + name + " " + text);
+    }
+
+private:
+    bool Log(const std::string& call) {
+        log_.push_back(call);
+        if (failing.count(call.substr(0, call.find(' ')))) Raise(kOverflow);
+        return true;
+    }
+    OrderedLog& log_;
+};
+
+}  // namespace ostrivane::fakes

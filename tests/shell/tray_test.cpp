@@ -1,0 +1,89 @@
+// The tray icon: its tip, the decoder of its notifications (a mouse move
+// over the form with the message in X), its popup menu and the way back.
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "editor/main_form_fixture.hpp"
+
+namespace ostrivane::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class TrayTest : public MainFormTest {
+protected:
+    void HideInTray() {
+        frm.SetWindowState(form::WindowState::Minimized);
+        frm.SetVisible(false);
+        desktop.calls.clear();
+    }
+};
+
+TEST_F(TrayTest, DecoderTakesTheMessageFromXAtTheTopRow) {
+    const Lines none, restore{"SetForegroundWindow frmMain"},
+        popup{"SetForegroundWindow frmMain", "ShowPopupMenu mnuPopup"};
+    struct Row {
+        double pixels, y;
+        const Lines& calls;
+    };
+    const Row rows[] = {
+        {514, 0, restore},  {515, 0, restore},    {517, 0, popup},    {514, 1, none},    {514, 0.25, none},
+        {514, -0.0, restore}, {513.5, 0, restore}, {514.5, 0, restore}, {515.5, 0, none}, {516.5, 0, none},
+        {516.6, 0, popup},  {517.5, 0, none},     {512, 0, none},     {516, 0, none},    {514.0 / 15, 0, none},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::Message() << "x " << row.pixels << " px, y " << row.y);
+        HideInTray();
+        frm.Showing = true;
+        frm.Form_MouseMove(0, 0, row.pixels * 15, row.y);  // the form's scale is twips
+        EXPECT_EQ(desktop.calls, row.calls);
+        EXPECT_EQ(frm.Visible(), &row.calls == &restore);
+        EXPECT_EQ(frm.GetWindowState() == form::WindowState::Normal, &row.calls == &restore);
+        EXPECT_TRUE(frm.Showing);
+    }
+    EXPECT_TRUE(overlay.calls.empty());
+    EXPECT_EQ(ErrorOf([&] { frm.Form_MouseMove(0, 0, 1e12, 0); }), kOverflow);
+}
+
+TEST_F(TrayTest, TipIsTheMessageCaptionCutTo63CharactersOnce) {
+    const std::string caption(70, 'm');
+    frm.lblMsg.SetCaption(caption);
+    frm.CreateTrayIcon();
+    frm.lblMsg.SetCaption("later");
+    frm.CreateTrayIcon();
+    EXPECT_EQ(desktop.calls, (Lines{"AddTrayIcon " + caption.substr(0, 63)}));
+    EXPECT_TRUE(frm.TrayIconCreated);
+}
+
+TEST_F(TrayTest, RightClickShowsTheCurrentStateInTheFirstEntry) {
+    ASSERT_EQ(frm.mnuPopup.Items[0], &frm.mnuPopupShow);
+    frm.cmdShow.PerformClick();
+    frm.Form_MouseMove(0, 0, 517 * 15.0, 0);
+    EXPECT_EQ(desktop.calls.back(), "ShowPopupMenu mnuPopup");
+    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Stop");
+    frm.mnuPopupShow.PerformClick();
+    EXPECT_FALSE(frm.Showing);
+    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Show");
+}
+
+TEST_F(TrayTest, MenuEntriesAndTheWayThereAndBack) {
+    int adds = 0, exits = 0;
+    frm.cmdAddMarker.Click.Connect([&] { ++adds; });
+    frm.cmdExit.Click.Connect([&] { ++exits; });
+    frm.mnuPopupAddMarker.PerformClick();
+    frm.mnuPopupExit.PerformClick();
+    EXPECT_EQ(std::make_pair(adds, exits), std::make_pair(1, 1));
+
+    frm.SetVisible(true);
+    frm.mnuFileMinToTray.PerformClick();
+    EXPECT_FALSE(frm.Visible());
+    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Minimized);
+    frm.mnuPopupRestore.PerformClick();
+    EXPECT_TRUE(frm.Visible());
+    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Normal);
+    EXPECT_EQ(desktop.calls, (Lines{"SetForegroundWindow frmMain"}));
+}
+
+}  // namespace
+}  // namespace ostrivane::testing
