@@ -1,0 +1,67 @@
+// The desktop program: the core's main form on Qt, its lines as X windows.
+#include <QApplication>
+#include <QFont>
+#include <QString>
+
+#include <string>
+#include <vector>
+
+#include "desktop/desktop_rules.hpp"
+#include "desktop/entry_point.hpp"
+#include "desktop/qt_desktop.hpp"
+#include "desktop/qt_dialogs.hpp"
+#include "desktop/qt_form_binding.hpp"
+#include "desktop/xcb_line_windows.hpp"
+#include "editor/main_form.hpp"
+#include "overlay/marker_windows.hpp"
+#include "store/data_file.hpp"
+#include "store/ini_setting_store.hpp"
+
+using namespace ostrivane;
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QString::fromLatin1(kAppTitle));
+    QApplication::setQuitOnLastWindowClosed(false);  // the program lives on in the tray
+    // The forms are laid out for a small dialog font.
+    QFont font = QApplication::font();
+    font.setPointSize(8);
+    QApplication::setFont(font);
+
+    IniSettingStore settings;
+    desktop::XcbLineWindows lineWindows;
+    desktop::QtDialogs dialogs;
+    desktop::QtDesktop desk;
+    MarkerWindows overlay(lineWindows, desk);
+    MainForm frm(dialogs, overlay, desk);
+    overlay.Attach(frm);
+    frm.settings = &settings;
+
+    desktop::QtFormBinding binding(frm, frm.MenuBar());
+    binding.OnQueryUnload = [&frm](bool& cancel) {
+        frm.Form_QueryUnload(cancel, 0);
+        if (!cancel) frm.Form_Unload();
+    };
+    desk.SetTrayMessageHandler([&frm](int message) {
+        desktop::RunEntryPoint([&frm, message] { frm.Form_MouseMove(0, 0, message * 15.0, 0.0); });
+    });
+    desk.SetCommandHandler([&frm](const std::string& text) {
+        desktop::RunEntryPoint([&frm, &text] {
+            // Every forwarded command acts, also one equal to the last.
+            if (frm.txtChangeModeHid.Text() == text)
+                frm.txtChangeModeHid.Change.Raise();
+            else
+                frm.txtChangeModeHid.SetText(text);
+        });
+    });
+
+    std::vector<std::string> arguments;
+    const QStringList all = QCoreApplication::arguments();
+    for (qsizetype i = 1; i < all.size(); ++i) arguments.push_back(all[i].toLatin1().toStdString());
+    const std::string commandLine = desktop::JoinArguments(arguments);
+
+    bool goOn = false;
+    desktop::RunEntryPoint([&] { goOn = frm.Form_Load(commandLine); });
+    if (!goOn) return 0;
+    return app.exec();
+}

@@ -1,0 +1,176 @@
+#include "desktop/qt_desktop.hpp"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPixmap>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QScreen>
+#include <QWidget>
+
+#include <cmath>
+
+#include "desktop/desktop_rules.hpp"
+#include "desktop/entry_control.hpp"
+#include "desktop/instance_channel.hpp"
+#include "desktop/qt_form_binding.hpp"
+#include "desktop/tray_icon.hpp"
+#include "dialogs/msgbox_form.hpp"
+#include "form/form.hpp"
+
+namespace ostrivane::desktop {
+
+QtDesktop::QtDesktop()
+    : tray_(std::make_unique<TrayIcon>([this](int message) {
+          if (onTrayMessage_) onTrayMessage_(message);
+      })),
+      channel_(std::make_unique<InstanceChannel>()) {}
+
+QtDesktop::~QtDesktop() = default;
+
+std::int32_t QtDesktop::GetSystemMetrics(int index) {
+    // In device pixels, the unit of the line windows.
+    std::vector<ScreenRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect g = screen->geometry();
+        const qreal ratio = screen->devicePixelRatio();
+        const auto scaled = [ratio](int v) { return static_cast<int>(std::lround(v * ratio)); };
+        screens.push_back({scaled(g.x()), scaled(g.y()), scaled(g.width()), scaled(g.height())});
+    }
+    return VirtualScreenMetric(screens, index);
+}
+
+void QtDesktop::SetForegroundWindow(form::Form& form) {
+    QtFormBinding* binding = QtFormBinding::For(form);
+    // A form hidden in the tray stays hidden: only a shown form comes forward.
+    if (!binding || !form.Visible()) return;
+    binding->ApplyFormState();
+    QWidget* window = binding->Window();
+    window->raise();
+    window->activateWindow();
+}
+
+void QtDesktop::SetTopmost(form::Form& form, bool on) {
+    QtFormBinding* binding = QtFormBinding::For(form);
+    if (binding) {
+        QWidget* window = binding->Window();
+        if (window->windowFlags().testFlag(Qt::WindowStaysOnTopHint) != on) {
+            const QPoint at = window->pos();
+            window->setWindowFlag(Qt::WindowStaysOnTopHint, on);  // this hides the window
+            window->move(at);
+        }
+    }
+    form.SetVisible(true);
+    if (binding) binding->ApplyFormState();
+}
+
+void QtDesktop::ShowModal(form::Form& form) {
+    if (ending_) return;
+    std::unique_ptr<QtFormBinding> own;
+    QtFormBinding* binding = QtFormBinding::For(form);
+    if (!binding) {
+        own = std::make_unique<QtFormBinding>(form);
+        binding = own.get();
+        // A fixed dialog without a task bar entry.
+        binding->Window()->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                          Qt::WindowCloseButtonHint);
+    }
+    QWidget* window = binding->Window();
+    window->setWindowModality(Qt::ApplicationModal);
+    if (auto* box = dynamic_cast<MsgBoxForm*>(&form)) {
+        binding->OnFormKeyPress = [box](int& key) { box->KeyPress.Raise(key); };
+        // The message reads as text on the form, not as a field.
+        if (auto* text = qobject_cast<QPlainTextEdit*>(binding->WidgetOf(box->txtMessage))) {
+            text->setFrameShape(QFrame::NoFrame);
+            text->document()->setDocumentMargin(0);
+        }
+    }
+    if (form.Left == 0 && form.Top == 0) {
+        // A form with no place of its own is centred on the screen.
+        binding->Sync();
+        window->adjustSize();
+        const QScreen* screen = QGuiApplication::primaryScreen();
+        const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+        const QSize size = window->sizeHint();
+        form.Left = PixelsToTwips(area.center().x() - size.width() / 2);
+        form.Top = PixelsToTwips(area.center().y() - size.height() / 2);
+    }
+    QEventLoop loop;
+    binding->OnVisibleChanged = [&form, &loop] {
+        if (!form.Visible()) loop.quit();
+    };
+    binding->Sync();
+    form.SetVisible(true);
+    binding->Sync();
+    if (form.Visible() && !ending_) {
+        window->raise();
+        window->activateWindow();
+        modalLoops_.push_back(&loop);
+        loop.exec();
+        modalLoops_.pop_back();
+    }
+    binding->OnVisibleChanged = nullptr;
+    binding->OnFormKeyPress = nullptr;
+    if (!own) window->setWindowModality(Qt::NonModal);
+}
+
+void QtDesktop::DoEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+
+void QtDesktop::EndProgram() {
+    ending_ = true;
+    CloseEntryPoints();
+    for (QEventLoop* loop : modalLoops_) loop->quit();
+    QCoreApplication::exit(0);
+}
+
+void QtDesktop::Beep() { QApplication::beep(); }
+
+bool QtDesktop::SetClipboardText(const std::string& text) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    if (!clipboard) return false;
+    clipboard->setText(QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())));
+    return true;
+}
+
+void QtDesktop::PrintForm(form::Form& form) {
+    QtFormBinding* binding = QtFormBinding::For(form);
+    if (!binding) return;
+    const QPrinterInfo printerInfo = QPrinterInfo::defaultPrinter();
+    if (printerInfo.isNull()) return;
+    QWidget* window = binding->Window();
+    const QPixmap image = window->grab();
+    QPrinter printer(printerInfo, QPrinter::HighResolution);
+    QPainter painter;
+    if (!painter.begin(&printer)) return;
+    // The form at its size on the screen.
+    const qreal scale = printer.resolution() / static_cast<qreal>(std::max(1, window->logicalDpiX()));
+    painter.scale(scale, scale);
+    painter.drawPixmap(0, 0, image);
+    painter.end();
+}
+
+void QtDesktop::AddTrayIcon(const std::string& tip) { tray_->Add(tip); }
+
+void QtDesktop::RemoveTrayIcon() { tray_->Remove(); }
+
+void QtDesktop::ShowPopupMenu(form::MenuItem& menu) { tray_->ShowPopup(menu); }
+
+bool QtDesktop::AcquireInstance(const std::string& name) {
+    if (!channel_->Acquire(name)) return false;
+    channel_->Listen([this](const std::string& commandText) {
+        if (onCommand_) onCommand_(commandText);
+    });
+    return true;
+}
+
+void QtDesktop::ReleaseInstance() { channel_->Release(); }
+
+void QtDesktop::ForwardCommand(const std::string& name, const std::string& commandText) {
+    channel_->Forward(name, commandText);
+}
+
+}  // namespace ostrivane::desktop

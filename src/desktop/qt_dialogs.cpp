@@ -1,0 +1,108 @@
+#include "desktop/qt_dialogs.hpp"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QColorDialog>
+#include <QInputDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <map>
+
+#include "desktop/desktop_rules.hpp"
+#include "store/data_file.hpp"
+
+namespace ostrivane::desktop {
+
+namespace {
+
+QString Latin1(const std::string& text) { return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())); }
+
+QString TitleOrApp(const std::string& title) { return Latin1(title.empty() ? std::string(kAppTitle) : title); }
+
+// A box without a Cancel answer cannot be closed by Esc or its close box.
+class NoEscape final : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) return true;
+        if (event->type() == QEvent::Close) {
+            event->ignore();
+            return true;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+QMessageBox::StandardButton ButtonFor(int answer) {
+    switch (answer) {
+        case kAnswerCancel: return QMessageBox::Cancel;
+        case kAnswerAbort: return QMessageBox::Abort;
+        case kAnswerRetry: return QMessageBox::Retry;
+        case kAnswerIgnore: return QMessageBox::Ignore;
+        case kAnswerYes: return QMessageBox::Yes;
+        case kAnswerNo: return QMessageBox::No;
+        default: return QMessageBox::Ok;
+    }
+}
+
+QMessageBox::Icon IconFor(MsgBoxIcon icon) {
+    switch (icon) {
+        case MsgBoxIcon::Critical: return QMessageBox::Critical;
+        case MsgBoxIcon::Question: return QMessageBox::Question;
+        case MsgBoxIcon::Exclamation: return QMessageBox::Warning;
+        case MsgBoxIcon::Information: return QMessageBox::Information;
+        case MsgBoxIcon::None: break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+}  // namespace
+
+int QtDialogs::MsgBox(const std::string& prompt, int flags, const std::string& title) {
+    const MsgBoxSpec spec = MapMsgBoxFlags(flags);
+    QMessageBox box(IconFor(spec.icon), TitleOrApp(title), Latin1(prompt), QMessageBox::NoButton,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    std::map<QAbstractButton*, int> answers;
+    for (int answer : spec.buttons) {
+        QPushButton* button = box.addButton(ButtonFor(answer));
+        answers[button] = answer;
+        if (answer == spec.defaultAnswer) box.setDefaultButton(button);
+        if (answer == spec.escapeAnswer) box.setEscapeButton(button);
+    }
+    NoEscape noEscape;
+    if (spec.escapeAnswer == 0) box.installEventFilter(&noEscape);
+    box.exec();
+    const auto it = answers.find(box.clickedButton());
+    return it != answers.end() ? it->second : spec.escapeAnswer != 0 ? spec.escapeAnswer : spec.defaultAnswer;
+}
+
+std::string QtDialogs::InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,
+                                std::optional<TwipPoint> position) {
+    QInputDialog dialog(QApplication::activeWindow());
+    dialog.setInputMode(QInputDialog::TextInput);
+    dialog.setWindowTitle(TitleOrApp(title));
+    dialog.setLabelText(Latin1(prompt));
+    dialog.setTextValue(Latin1(proposal));
+    if (position) {
+        dialog.adjustSize();
+        dialog.move(TwipsToPixels(position->left), TwipsToPixels(position->top));
+    }
+    if (dialog.exec() != QDialog::Accepted) return {};
+    return dialog.textValue().toLatin1().toStdString();
+}
+
+std::int32_t QtDialogs::ChooseColor(std::int32_t colour) {
+    const Rgb start = ColourToRgb(colour);
+    const QColor chosen = QColorDialog::getColor(QColor(start.red, start.green, start.blue),
+                                                 QApplication::activeWindow());
+    if (!chosen.isValid()) return -1;
+    return RgbToColour({chosen.red(), chosen.green(), chosen.blue()});
+}
+
+}  // namespace ostrivane::desktop
