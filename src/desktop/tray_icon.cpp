@@ -4,6 +4,7 @@
 #include <QCursor>
 #include <QIcon>
 #include <QMenu>
+#include <QMetaObject>
 #include <QPainter>
 #include <QPixmap>
 #include <QSystemTrayIcon>
@@ -101,7 +102,14 @@ void TrayIcon::Add(const std::string& tip) {
                 case QSystemTrayIcon::Context: message = kRightButtonUp; break;
                 default: return;
             }
-            if (onMessage_) RunEntryPoint([this, message] { onMessage_(message); });
+            // Posted, not sent: the handler may remove the icon, and with it the
+            // widget whose mouse event is still on the stack here.
+            QMetaObject::invokeMethod(
+                icon_.get(),
+                [this, message] {
+                    if (onMessage_) RunEntryPoint([this, message] { onMessage_(message); });
+                },
+                Qt::QueuedConnection);
         });
     }
     icon_->setToolTip(Latin1(tip));

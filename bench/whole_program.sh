@@ -1,0 +1,134 @@
+#!/usr/bin/env bash
+# Whole-program figures of the desktop program, on a private Xvfb:
+#   - start to main form shown (process start to the form's window mapped)
+#   - peak memory (VmHWM) with the form up, and with 50 markers shown
+#   - "/show" to all 100 line windows of a 50-marker group mapped, measured
+#     from the start of the second copy that carries the command; the cost
+#     of that second start alone is given beside it
+#   - CPU ticks used while 50 markers are shown and nothing happens
+# Usage: bench/whole_program.sh [BUILD_DIR]   (default build/)
+# RUNS (default 5) repetitions give the median; IDLE_SECONDS (default 30).
+set -euo pipefail
+
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build}
+app=$build/ostrivane
+probe=$build/tests/e2e/x11_probe
+runs=${RUNS:-5}
+idle=${IDLE_SECONDS:-30}
+
+for tool in Xvfb; do
+  command -v "$tool" >/dev/null || { echo "whole_program: $tool is not installed (scripts/install-deps)" >&2; exit 1; }
+done
+for file in "$app" "$probe"; do
+  [ -x "$file" ] || { echo "whole_program: $file is not built" >&2; exit 1; }
+done
+
+tmp=$(mktemp -d)
+pids=()
+cleanup() {
+  local pid
+  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+  for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null || true; done
+  rm -rf "$tmp"
+}
+trap cleanup EXIT
+
+# A server of our own, on a display number it chooses.
+mkfifo "$tmp/displayfd"
+Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp -noreset 3>"$tmp/displayfd" >/dev/null 2>&1 &
+pids+=($!)
+read -r -t 20 display < "$tmp/displayfd" || { echo "whole_program: Xvfb did not start" >&2; exit 1; }
+export DISPLAY=":$display"
+export HOME=$tmp XDG_CONFIG_HOME=$tmp/config XDG_DATA_HOME=$tmp/data XDG_RUNTIME_DIR=$tmp/run
+mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME/Ostrivane" && mkdir -m 700 "$XDG_RUNTIME_DIR"
+
+# The data file with a group of 50 markers: a grid over the screen, five
+# colours, thickness 1 and 3, every fifth one dotted.
+{
+  printf '[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nDataFormat=1\r\nScreenRes=1920x1080\r\nPC=bench\r\n'
+  printf '[Bench50]\r\nDataFormat=1\r\nDefaults=0,0,-1,-1,-1,-1,-1,-1,\r\n'
+  colours=(255 65280 16711680 65535 16711935)
+  for n in $(seq 1 50); do
+    x=$(( 100 + (n % 10) * 170 )); y=$(( 80 + (n / 10) * 180 ))
+    printf '%d=%d,%d,%d,%d,%d,%d,%d,%d,\r\n' "$n" "$x" "$y" $(( 60 + n * 4 )) $(( 50 + n * 3 )) \
+      "${colours[n % 5]}" $(( n % 2 == 0 ? 3 : 1 )) $(( 40 + n )) $(( n % 5 == 0 ? 1 : 0 ))
+  done
+  printf 'Notes=Benchmark group\r\n'
+} > "$XDG_DATA_HOME/Ostrivane/ostrivane.ini"
+
+now() { date +%s%N; }
+median() { sort -n | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : int((v[NR / 2] + v[NR / 2 + 1]) / 2) }'; }
+ms() { awk -v ns="$1" 'BEGIN { printf "%.1f", ns / 1e6 }'; }
+hwm() { awk '/^VmHWM/ { print $2 }' "/proc/$1/status"; }
+ticks() { sed 's/^.*) //' "/proc/$1/stat" | awk '{ print $12 + $13 }'; }
+
+# Starts the probe and waits until it watches the root window; its output
+# file then receives the time of the awaited moment.
+watch() {
+  local out=$1; shift
+  "$probe" "$@" > "$out" &
+  probe_pid=$!; pids+=("$probe_pid")
+  local tries=0
+  until grep -q ready "$out" 2>/dev/null; do
+    tries=$((tries + 1)); [ "$tries" -lt 2000 ] || { echo "whole_program: probe did not start" >&2; exit 1; }
+    sleep 0.005
+  done
+}
+# The time the probe saw, in $at.
+moment() {
+  wait "$probe_pid" || { echo "whole_program: timed out waiting for $1" >&2; exit 1; }
+  at=$(sed -n 2p "$2")
+}
+stop_app() {
+  "$app" /quit
+  wait "$1" 2>/dev/null || true
+}
+
+startup=(); forms=()
+for i in $(seq 1 "$runs"); do
+  watch "$tmp/form" wait-title "Ostrivane " 30000
+  t0=$(now)
+  "$app" > "$tmp/app.log" 2>&1 &
+  pid=$!; pids+=("$pid")
+  moment "the main form" "$tmp/form"
+  startup+=($(( at - t0 )))
+  sleep 0.5
+  forms+=("$(hwm "$pid")")
+  stop_app "$pid"
+done
+
+"$app" Bench50 > "$tmp/app.log" 2>&1 &
+pid=$!; pids+=("$pid")
+watch "$tmp/lines" wait-markers 100 30000
+moment "the first 100 line windows" "$tmp/lines"
+
+show=(); carrier=()
+for i in $(seq 1 "$runs"); do
+  "$app" /stop
+  watch "$tmp/lines" wait-markers 100 30000
+  t0=$(now)
+  "$app" /show
+  moment "100 line windows after /show" "$tmp/lines"
+  show+=($(( at - t0 )))
+  # The same start with nothing to do ("/show" while showing): the carrier's own cost.
+  t0=$(now); "$app" /show; t1=$(now)
+  carrier+=($(( t1 - t0 )))
+done
+sleep 1
+shown_hwm=$(hwm "$pid")
+before=$(ticks "$pid")
+sleep "$idle"
+after=$(ticks "$pid")
+stop_app "$pid"
+
+echo "Whole program, median of $runs runs (Xvfb 1920x1080, $(nproc) cores):"
+echo
+echo "| What | Figure |"
+echo "|---|---|"
+echo "| Start to main form shown | $(ms "$(printf '%s\n' "${startup[@]}" | median)") ms |"
+echo "| Peak memory (VmHWM), form shown, no group | $(( $(printf '%s\n' "${forms[@]}" | median) / 1024 )) MiB |"
+echo "| Peak memory (VmHWM), 50 markers shown | $(( shown_hwm / 1024 )) MiB |"
+echo "| \`ostrivane /show\` to all 100 line windows of 50 markers mapped | $(ms "$(printf '%s\n' "${show[@]}" | median)") ms |"
+echo "| of which the second start that carries the command | $(ms "$(printf '%s\n' "${carrier[@]}" | median)") ms |"
+echo "| CPU while 50 markers are shown and nothing happens, ${idle} s | $(( after - before )) ticks of 1/$(getconf CLK_TCK) s |"

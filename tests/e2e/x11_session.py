@@ -1,0 +1,323 @@
+"""A private X server with the program on it, for the end-to-end tests.
+
+Each test gets an Xvfb of its own (a free display number chosen by the
+server), its own config, data and runtime directories in a temp dir, and
+tools to look at what the server holds: the top-level windows with their
+geometry, map state, WM_CLASS and opacity, and the pixels of the screen.
+Every process started here is ended when the session closes.
+"""
+
+import argparse
+import os
+import re
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+
+SKIP = 77
+SCREEN_W, SCREEN_H = 1280, 800
+TIMEOUT = 20.0  # seconds for any one thing to happen; the sanitized build is slow
+
+
+class Skip(Exception):
+    pass
+
+
+class Failure(AssertionError):
+    pass
+
+
+def check(condition, message):
+    if not condition:
+        raise Failure(message)
+
+
+def arguments():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--app", required=True, help="the ostrivane binary")
+    parser.add_argument("--probe", required=True, help="the x11_probe helper")
+    return parser.parse_args()
+
+
+def main(test):
+    """Runs test(session); 0 passed, 1 failed, 77 skipped."""
+    args = arguments()
+    name = os.path.basename(sys.argv[0])
+    try:
+        for tool in ("Xvfb", "xwininfo", "xprop", "xwd", "xdotool"):
+            if shutil.which(tool) is None:
+                raise Skip(f"{tool} is not installed (scripts/install-deps installs it)")
+        if not os.access(args.app, os.X_OK):
+            raise Skip(f"{args.app} is not built")
+        with Session(args.app, args.probe) as session:
+            test(session)
+    except Skip as e:
+        print(f"SKIPPED {name}: {e}")
+        return SKIP
+    except Failure as e:
+        print(f"FAILED {name}: {e}")
+        return 1
+    print(f"PASSED {name}")
+    return 0
+
+
+def poll(condition, what, timeout=TIMEOUT, interval=0.05):
+    """condition() until it gives something true; its value, or a failure naming what."""
+    deadline = time.monotonic() + timeout
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise Failure(f"timed out after {timeout:.0f} s waiting for {what}")
+        time.sleep(interval)
+
+
+class Window:
+    LINE = re.compile(
+        r'^\s+(0x[0-9a-f]+) (?:\(has no name\)|"(.*)"): \((.*)\)\s+(\d+)x(\d+)\+(-?\d+)\+(-?\d+)')
+
+    def __init__(self, wid, name, wm_class, w, h, x, y):
+        self.id, self.name, self.wm_class = wid, name, wm_class
+        self.rect = (x, y, w, h)
+
+    def __repr__(self):
+        return f"Window({self.id}, {self.name!r}, {self.wm_class}, {self.rect})"
+
+
+class App:
+    def __init__(self, session, args, popen, log):
+        self.session, self.args, self.popen, self.log = session, args, popen, log
+
+    @property
+    def pid(self):
+        return self.popen.pid
+
+    def running(self):
+        return self.popen.poll() is None
+
+    def wait(self, timeout=TIMEOUT):
+        """The exit status, once it has ended."""
+        try:
+            return self.popen.wait(timeout)
+        except subprocess.TimeoutExpired:
+            raise Failure(f"ostrivane {self.args} still running after {timeout:.0f} s") from None
+
+    def output(self):
+        with open(self.log, errors="replace") as f:
+            return f.read()
+
+    def end(self):
+        if self.running():
+            self.popen.send_signal(signal.SIGTERM)
+            try:
+                self.popen.wait(5)
+            except subprocess.TimeoutExpired:
+                self.popen.kill()
+                self.popen.wait()
+
+
+class Session:
+    def __init__(self, app, probe):
+        self.app_path, self.probe = app, probe
+        self.apps = []
+        self.extra = []
+        self.xvfb = None
+
+    # --- life cycle -------------------------------------------------------
+
+    def __enter__(self):
+        self.tmp = tempfile.mkdtemp(prefix="ostrivane-e2e-")
+        self.config = os.path.join(self.tmp, "config")
+        self.data = os.path.join(self.tmp, "data")
+        self.runtime = os.path.join(self.tmp, "run")
+        for d in (self.config, self.data, self.runtime):
+            os.makedirs(d, mode=0o700)
+        self.data_file = os.path.join(self.data, "Ostrivane", "ostrivane.ini")
+        read_end, write_end = os.pipe()
+        self.xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SCREEN_W}x{SCREEN_H}x24",
+             "-nolisten", "tcp", "-noreset"],
+            pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write_end)
+        # The server writes its display number once it accepts connections.
+        number = b""
+        with os.fdopen(read_end, "rb") as f:
+            number = f.readline().strip()
+        if not number:
+            raise Failure("Xvfb did not start")
+        self.display = ":" + number.decode()
+        self.env = self._environment()
+        return self
+
+    def _environment(self):
+        env = {k: v for k, v in os.environ.items()
+               if not k.startswith(("XDG_", "QT_", "DBUS_SESSION", "WAYLAND"))}
+        env.update({
+            "DISPLAY": self.display,
+            "HOME": self.tmp,
+            "XDG_CONFIG_HOME": self.config,
+            "XDG_DATA_HOME": self.data,
+            "XDG_RUNTIME_DIR": self.runtime,
+            "QT_QPA_PLATFORM": "xcb",
+            "NO_AT_BRIDGE": "1",
+        })
+        return env
+
+    def __exit__(self, *exc):
+        for proc in self.extra:
+            if proc.poll() is None:
+                proc.terminate()
+                try:
+                    proc.wait(5)
+                except subprocess.TimeoutExpired:
+                    proc.kill()
+                    proc.wait()
+        for app in self.apps:
+            app.end()
+        if exc[0] is not None:
+            for app in self.apps:
+                out = app.output().strip()
+                if out:
+                    print(f"--- output of ostrivane {app.args} ---\n{out}")
+        if self.xvfb is not None:
+            self.xvfb.terminate()
+            try:
+                self.xvfb.wait(5)
+            except subprocess.TimeoutExpired:
+                self.xvfb.kill()
+                self.xvfb.wait()
+        shutil.rmtree(self.tmp, ignore_errors=True)
+        return False
+
+    # --- processes --------------------------------------------------------
+
+    def start(self, *args):
+        log = os.path.join(self.tmp, f"app{len(self.apps)}.log")
+        with open(log, "wb") as out:
+            popen = subprocess.Popen([self.app_path, *args], env=self.env, stdout=out,
+                                     stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
+        app = App(self, list(args), popen, log)
+        self.apps.append(app)
+        return app
+
+    def start_other(self, argv):
+        proc = subprocess.Popen(argv, env=self.env, stdout=subprocess.DEVNULL,
+                                stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+        self.extra.append(proc)
+        return proc
+
+    def x(self, *argv, check_rc=True):
+        """Output of an X tool run on this display."""
+        done = subprocess.run(argv, env=self.env, capture_output=True, text=True,
+                              errors="replace", timeout=TIMEOUT)
+        if check_rc and done.returncode != 0:
+            raise Failure(f"{' '.join(argv)} failed: {done.stderr.strip()}")
+        return done.stdout
+
+    def probe_run(self, *args):
+        return subprocess.run([self.probe, *args], env=self.env, capture_output=True,
+                              text=True, errors="replace", timeout=TIMEOUT)
+
+    # --- what the server holds ---------------------------------------------
+
+    def windows(self):
+        """The top-level windows, topmost first."""
+        out = self.x("xwininfo", "-root", "-children")
+        found = []
+        for line in out.splitlines():
+            m = Window.LINE.match(line)
+            if m:
+                wid, name, cls, w, h, x, y = m.groups()
+                classes = re.findall(r'"([^"]*)"', cls)
+                found.append(Window(wid, name, classes, int(w), int(h), int(x), int(y)))
+        return found
+
+    def viewable(self, wid):
+        out = self.x("xwininfo", "-id", wid, check_rc=False)
+        return "Map State: IsViewable" in out
+
+    def marker_windows(self):
+        return [w for w in self.windows() if w.wm_class[:1] == ["marker"] and self.viewable(w.id)]
+
+    def titled(self, title):
+        return [w for w in self.windows() if w.name == title and self.viewable(w.id)]
+
+    def opacity(self, wid):
+        out = self.x("xprop", "-id", wid, "_NET_WM_WINDOW_OPACITY")
+        m = re.search(r"=\s*(\d+)", out)
+        return int(m.group(1)) if m else None
+
+    def pid_of(self, wid):
+        out = self.x("xprop", "-id", wid, "_NET_WM_PID")
+        m = re.search(r"=\s*(\d+)", out)
+        return int(m.group(1)) if m else None
+
+    def screenshot(self):
+        path = os.path.join(self.tmp, "root.xwd")
+        with open(path, "wb") as f:
+            subprocess.run(["xwd", "-root", "-silent"], env=self.env, stdout=f, check=True, timeout=TIMEOUT)
+        return Image(path)
+
+    def close_box(self, wid):
+        done = self.probe_run("close", wid)
+        check(done.returncode == 0, f"x11_probe close failed: {done.stderr}")
+
+    def clipboard(self):
+        done = self.probe_run("clipboard", "5000")
+        return done.stdout if done.returncode == 0 else None
+
+    def click(self, wid, x, y, button=1):
+        """A click at x, y inside a window, with real pointer events."""
+        self.x("xdotool", "mousemove", "--window", wid, str(x), str(y))
+        self.x("xdotool", "click", str(button))
+
+
+class Image:
+    """The root window as xwd writes it: a ZPixmap in the visual's masks."""
+
+    def __init__(self, path):
+        with open(path, "rb") as f:
+            data = f.read()
+        h = struct.unpack(">25I", data[:100])
+        header_size, depth, self.width, self.height = h[0], h[3], h[4], h[5]
+        self.byte_order, self.bpp, self.bpl = h[7], h[11], h[12]
+        self.masks = h[14:17]
+        ncolors = h[19]
+        check(self.bpp in (24, 32), f"unexpected xwd pixel size {self.bpp} (depth {depth})")
+        self.pixels = data[header_size + ncolors * 12:]
+
+    def rgb(self, x, y):
+        size = self.bpp // 8
+        o = y * self.bpl + x * size
+        v = int.from_bytes(self.pixels[o:o + size], "little" if self.byte_order == 0 else "big")
+        out = []
+        for m in self.masks:
+            shift = (m & -m).bit_length() - 1
+            top = m >> shift
+            out.append(((v & m) >> shift) * 255 // top)
+        return tuple(out)
+
+
+def rgb_of(colour):
+    """A colour of the data file (red in the low byte) as (r, g, b)."""
+    return (colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF)
+
+
+def write_data_file(path, groups, defaults="0,0,-2,-2,255,1,100,0,", data_format=1):
+    """The data file in its documented layout: CR LF line ends, a Defaults
+    section, then one section per group of (defaults row, markers, notes)."""
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    lines = ["[Defaults]", f"Defaults={defaults}", f"DataFormat={data_format}",
+             f"ScreenRes={SCREEN_W}x{SCREEN_H}", "PC=e2e"]
+    for name, (row0, markers, notes) in groups.items():
+        lines += [f"[{name}]", "DataFormat=1", "Defaults=" + "".join(f"{v}," for v in row0)]
+        for n, marker in enumerate(markers, 1):
+            lines.append(f"{n}=" + "".join(f"{v}," for v in marker))
+        lines.append(f"Notes={notes}")
+    with open(path, "wb") as f:
+        f.write(("\r\n".join(lines) + "\r\n").encode("latin-1"))
