@@ -1,5 +1,5 @@
 """The line rectangles and the alpha of a marker, computed afresh from the
-documented rules, to hold the program's windows against."""
+rules of the line geometry, to hold the program's windows against."""
 
 
 def effective(marker, group, globals_):

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """A group given on the command line is loaded and shown: the X server holds
-two line windows per marker at exactly the documented rectangles, in the
+two line windows per marker at exactly the rectangles of the line geometry, in the
 marker's colour (solid, or the cross hatch on white), with its opacity.
 Later starts stop, show again and end the running copy."""
 

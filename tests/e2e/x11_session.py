@@ -309,7 +309,7 @@ def rgb_of(colour):
 
 
 def write_data_file(path, groups, defaults="0,0,-2,-2,255,1,100,0,", data_format=1):
-    """The data file in its documented layout: CR LF line ends, a Defaults
+    """The data file in its own layout: CR LF line ends, a Defaults
     section, then one section per group of (defaults row, markers, notes)."""
     os.makedirs(os.path.dirname(path), exist_ok=True)
     lines = ["[Defaults]", f"Defaults={defaults}", f"DataFormat={data_format}",
