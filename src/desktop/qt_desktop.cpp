@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPixmap>
 #include <QPrinter>
 #include <QPrinterInfo>
@@ -99,6 +100,7 @@ void QtDesktop::ShowModal(form::Form& form) {
         form.Left = PixelsToTwips(area.center().x() - size.width() / 2);
         form.Top = PixelsToTwips(area.center().y() - size.height() / 2);
     }
+    const QPointer<QWidget> front = QApplication::activeWindow();
     QEventLoop loop;
     binding->OnVisibleChanged = [&form, &loop] {
         if (!form.Visible()) loop.quit();
@@ -116,6 +118,8 @@ void QtDesktop::ShowModal(form::Form& form) {
     binding->OnVisibleChanged = nullptr;
     binding->OnFormKeyPress = nullptr;
     if (!own) window->setWindowModality(Qt::NonModal);
+    // The keyboard goes back to the window in front, also without a window manager.
+    if (front && front != window && front->isVisible()) front->activateWindow();
 }
 
 void QtDesktop::DoEvents() { QCoreApplication::processEvents(QEventLoop::AllEvents); }

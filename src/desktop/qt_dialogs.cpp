@@ -7,6 +7,7 @@
 #include <QInputDialog>
 #include <QKeyEvent>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 
 #include <map>
@@ -50,6 +51,22 @@ QMessageBox::StandardButton ButtonFor(int answer) {
     }
 }
 
+// The window that was in front gets the keyboard back when a dialog closes,
+// also where no window manager hands it back.
+class GiveBackFocus {
+public:
+    GiveBackFocus() : window_(QApplication::activeWindow()) {}
+    ~GiveBackFocus() {
+        if (window_ && window_->isVisible()) window_->activateWindow();
+    }
+    GiveBackFocus(const GiveBackFocus&) = delete;
+    GiveBackFocus& operator=(const GiveBackFocus&) = delete;
+    QWidget* Window() const { return window_; }
+
+private:
+    QPointer<QWidget> window_;
+};
+
 QMessageBox::Icon IconFor(MsgBoxIcon icon) {
     switch (icon) {
         case MsgBoxIcon::Critical: return QMessageBox::Critical;
@@ -65,8 +82,8 @@ QMessageBox::Icon IconFor(MsgBoxIcon icon) {
 
 int QtDialogs::MsgBox(const std::string& prompt, int flags, const std::string& title) {
     const MsgBoxSpec spec = MapMsgBoxFlags(flags);
-    QMessageBox box(IconFor(spec.icon), TitleOrApp(title), Latin1(prompt), QMessageBox::NoButton,
-                    QApplication::activeWindow());
+    const GiveBackFocus front;
+    QMessageBox box(IconFor(spec.icon), TitleOrApp(title), Latin1(prompt), QMessageBox::NoButton, front.Window());
     box.setTextFormat(Qt::PlainText);
     std::map<QAbstractButton*, int> answers;
     for (int answer : spec.buttons) {
@@ -84,7 +101,8 @@ int QtDialogs::MsgBox(const std::string& prompt, int flags, const std::string& t
 
 std::string QtDialogs::InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,
                                 std::optional<TwipPoint> position) {
-    QInputDialog dialog(QApplication::activeWindow());
+    const GiveBackFocus front;
+    QInputDialog dialog(front.Window());
     dialog.setInputMode(QInputDialog::TextInput);
     dialog.setWindowTitle(TitleOrApp(title));
     dialog.setLabelText(Latin1(prompt));
@@ -99,8 +117,8 @@ std::string QtDialogs::InputBox(const std::string& prompt, const std::string& ti
 
 std::int32_t QtDialogs::ChooseColor(std::int32_t colour) {
     const Rgb start = ColourToRgb(colour);
-    const QColor chosen = QColorDialog::getColor(QColor(start.red, start.green, start.blue),
-                                                 QApplication::activeWindow());
+    const GiveBackFocus front;
+    const QColor chosen = QColorDialog::getColor(QColor(start.red, start.green, start.blue), front.Window());
     if (!chosen.isValid()) return -1;
     return RgbToColour({chosen.red(), chosen.green(), chosen.blue()});
 }
