@@ -7,9 +7,6 @@ namespace ostrivane {
 
 std::string MessageText;
 bool MessageAnswer = false;
-bool BusyState = false;
-
-void lib_SetBusy(bool on) { BusyState = on; }
 
 namespace {
 

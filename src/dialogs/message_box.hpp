@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "lib/window_helpers.hpp"  // BusyState, lib_SetBusy: the box clears the hourglass while it is up
 #include "platform/desktop.hpp"
 
 namespace ostrivane {
@@ -16,12 +17,6 @@ namespace ostrivane {
 extern std::string MessageText;
 // The answer of a Yes/No box; also the default button's when the countdown ends it.
 extern bool MessageAnswer;
-
-// True while the program says it is busy (the hourglass). The box clears it
-// while it is up and gives back what it found. Only the flag lives here: the
-// desktop shows no hourglass of its own yet.
-extern bool BusyState;
-void lib_SetBusy(bool on);
 
 // The request's seconds as they stand in MessageText: the last four
 // characters of the number, right-aligned and blank filled.

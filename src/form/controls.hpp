@@ -111,6 +111,7 @@ public:
     void SetForeColor(std::int32_t colour);
     bool Locked = false;
     bool MultiLine = false;
+    std::vector<std::int32_t> TabStops;  // in dialog units; empty: the usual every 32
 
     // A typed character: the handler may change it, 0 drops it. Returns the
     // key that went through (0 if dropped); the text takes it at the caret.
