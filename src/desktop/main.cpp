@@ -11,8 +11,10 @@
 #include "desktop/qt_desktop.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/x11_window_system.hpp"
 #include "desktop/xcb_line_windows.hpp"
 #include "editor/main_form.hpp"
+#include "lib/window_helpers.hpp"
 #include "overlay/marker_windows.hpp"
 #include "store/data_file.hpp"
 #include "store/ini_setting_store.hpp"
@@ -39,6 +41,8 @@ int main(int argc, char** argv) {
     desktop::XcbLineWindows lineWindows;
     desktop::QtDialogs dialogs;
     desktop::QtDesktop desk;
+    desktop::X11WindowSystem windowSystem;
+    lib_AttachBusyCursor(&windowSystem);  // the hourglass of lib_SetBusy
     MarkerWindows overlay(lineWindows, desk);
     MainForm frm(dialogs, overlay, desk);
     overlay.Attach(frm);
