@@ -124,6 +124,31 @@ inline std::string EditorTextToModel(std::string_view text) {
     return out;
 }
 
+// Tab stops of a multi-line box, given in dialog units (a quarter of the
+// average character width): none gives a stop every 32 units, one value a
+// stop every that many, more values the stops themselves. Positions in pixels.
+struct TabLayout {
+    double every = 0;            // a stop every so many pixels, when no list
+    std::vector<double> stops;   // the stops themselves, ascending
+    bool operator==(const TabLayout&) const = default;
+};
+
+inline TabLayout TabStopsInPixels(const std::vector<std::int32_t>& dialogUnits, double averageCharWidth) {
+    const double unit = averageCharWidth / 4.0;
+    TabLayout layout;
+    std::vector<double> positive;
+    for (std::int32_t v : dialogUnits)
+        if (v > 0) positive.push_back(v * unit);
+    if (positive.size() > 1) {
+        std::sort(positive.begin(), positive.end());
+        positive.erase(std::unique(positive.begin(), positive.end()), positive.end());
+        layout.stops = positive;
+    } else {
+        layout.every = positive.empty() ? 32 * unit : positive.front();
+    }
+    return layout;
+}
+
 // ---- Screen -----------------------------------------------------------------
 
 struct ScreenRect {

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -14,6 +15,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTextDocument>
+#include <QTextOption>
 #include <QSystemTrayIcon>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -350,6 +353,7 @@ void QtFormBinding::ApplyTextBox(form::TextBox& box, bool withSelection) {
         if (EditorTextToModel(ToLatin1(plain->toPlainText())) != box.Text())
             plain->setPlainText(Latin1(ModelTextToEditor(box.Text())));
         if (plain->isReadOnly() != box.Locked) plain->setReadOnly(box.Locked);
+        ApplyTabStops(box, plain);
     }
 }
 
@@ -442,6 +446,19 @@ void QtFormBinding::ApplyAll(Control& c) {
     }
 }
 
+void QtFormBinding::ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plain) {
+    auto& applied = tabStops_[&box];
+    if (applied.has_value() && *applied == box.TabStops) return;
+    applied = box.TabStops;
+    const TabLayout layout = TabStopsInPixels(box.TabStops, QFontMetricsF(plain->font()).averageCharWidth());
+    QTextOption option = plain->document()->defaultTextOption();
+    QList<QTextOption::Tab> tabs;
+    for (double stop : layout.stops) tabs.append(QTextOption::Tab(stop, QTextOption::LeftTab));
+    option.setTabs(tabs);
+    if (layout.stops.empty()) option.setTabStopDistance(layout.every);
+    plain->document()->setDefaultTextOption(option);
+}
+
 void QtFormBinding::SyncList(form::ListBox& list, QListWidget* w) {
     const int count = list.ListCount();
     bool same = w->count() == count;
@@ -514,6 +531,7 @@ void QtFormBinding::Sync() {
             if (auto* box = dynamic_cast<form::TextBox*>(b.control)) {
                 if (auto* edit = qobject_cast<QLineEdit*>(b.widget); edit && edit->isReadOnly() != box->Locked)
                     edit->setReadOnly(box->Locked);
+                if (auto* plain = qobject_cast<QPlainTextEdit*>(b.widget)) ApplyTabStops(*box, plain);
             }
         }
     }

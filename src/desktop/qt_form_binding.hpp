@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -23,6 +24,7 @@ class QLineEdit;
 class QListWidget;
 class QMenu;
 class QMenuBar;
+class QPlainTextEdit;
 class QTimer;
 class QWidget;
 
@@ -80,6 +82,7 @@ private:
     void ApplyForm();
     void ApplyGeometry(const Bound& b);
     void ApplyTextBox(form::TextBox& box, bool withSelection);
+    void ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plain);
     void SyncList(form::ListBox& list, QListWidget* widget);
     void SchedulePush(form::ListBox& list, QListWidget* widget);
     void PushList(form::ListBox& list, QListWidget* widget);
@@ -114,6 +117,7 @@ private:
     const form::Control* quietSelection_ = nullptr;  // its selection comes from the widget
     std::set<const form::ListBox*> pushPending_;
     bool focusSyncPending_ = false;
+    std::map<const form::TextBox*, std::optional<std::vector<std::int32_t>>> tabStops_;  // as last applied
     struct Placed {
         int left = 0, top = 0, width = 0, height = 0;
     } placed_;  // the form's place and size as last applied, in twips

@@ -108,6 +108,16 @@ TEST(DesktopTyping, MultiLineTextKeepsCrLfInTheModel) {
         EXPECT_EQ(EditorTextToModel(ModelTextToEditor(text)), text);
 }
 
+TEST(DesktopTyping, TabStopsFromDialogUnits) {
+    // An average character of 8 pixels: a dialog unit is 2 pixels.
+    EXPECT_EQ(TabStopsInPixels({}, 8.0), (TabLayout{64.0, {}}));
+    EXPECT_EQ(TabStopsInPixels({10}, 8.0), (TabLayout{20.0, {}}));
+    EXPECT_EQ(TabStopsInPixels({40, 10, 40, 25}, 8.0), (TabLayout{0, {20.0, 50.0, 80.0}}));
+    // Stops at or before the left edge mean nothing.
+    EXPECT_EQ(TabStopsInPixels({0, -5}, 8.0), (TabLayout{64.0, {}}));
+    EXPECT_EQ(TabStopsInPixels({-5, 12}, 8.0), (TabLayout{24.0, {}}));
+}
+
 TEST(DesktopScreen, VirtualScreenIsTheBoundingBox) {
     const std::vector<ScreenRect> one = {{0, 0, 1920, 1080}};
     EXPECT_EQ(VirtualScreenMetric(one, 76), 0);

@@ -1,0 +1,344 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+#include <QTimer>
+
+#include <cctype>
+
+#include "desktop/entry_point.hpp"
+#include "desktop/qt_form_binding.hpp"
+#include "form/controls.hpp"
+#include "form/form.hpp"
+#include "lib/errors.hpp"
+
+namespace ostrivane::desktop {
+namespace {
+
+// A form with one control of each kind the main form uses.
+struct TestForm : form::Form {
+    TestForm()
+        : form::Form("frmTest"),
+          txtA(this, "txtA"),
+          txtB(this, "txtB"),
+          chkDots(this, "chkDots"),
+          chkPlain(this, "chkPlain"),
+          lstOne(this, "lstOne", form::ListBox::Selection::Single),
+          lstMany(this, "lstMany", form::ListBox::Selection::Extended),
+          cmdGo(this, "cmdGo"),
+          scrBar(this, "scrBar", form::ScrollBar::Orientation::Horizontal),
+          timTick(this, "timTick", 10),
+          mnuTop(this, "mnuTop", "&Top"),
+          mnuCheck(this, "mnuCheck", "&Check", "Ctrl+K") {
+        Width = 6000;
+        Height = 3000;
+        txtA.Move(150, 150, 1200, 315);
+        txtB.Move(1500, 150, 1200, 315);
+        chkDots.Move(150, 600, 1200, 300);
+        chkPlain.Move(1500, 600, 1200, 300);
+        lstOne.Move(150, 1050, 1200, 1200);
+        lstMany.Move(1500, 1050, 1200, 1200);
+        cmdGo.Move(3000, 150, 1200, 375);
+        scrBar.Move(3000, 750, 1500, 255);
+        chkDots.ThreeState = true;
+        scrBar.SetRange(0, 10);
+        for (const char* item : {"Alpha", "Beta", "Gamma"}) {
+            lstOne.AddItem(item);
+            lstMany.AddItem(item);
+        }
+        mnuTop.Items = {&mnuCheck};
+        mnuCheck.SetChecked(true);
+    }
+    form::TextBox txtA, txtB;
+    form::CheckBox chkDots, chkPlain;
+    form::ListBox lstOne, lstMany;
+    form::CommandButton cmdGo;
+    form::ScrollBar scrBar;
+    form::Timer timTick;
+    form::MenuItem mnuTop, mnuCheck;
+};
+
+class Binding : public ::testing::Test {
+protected:
+    Binding() : binding(frm, {&frm.mnuTop}) {}
+
+    void Show() {
+        RunEntryPoint([this] { frm.SetVisible(true); });
+        QWidget* window = binding.Window();
+        window->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+    }
+    template <class W>
+    W* Widget(const form::Control& c) {
+        return qobject_cast<W*>(binding.WidgetOf(c));
+    }
+    // Lets posted work (focus moves, list clicks) run.
+    static void Settle() {
+        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+    }
+    void Focus(const form::Control& c) {
+        binding.WidgetOf(c)->setFocus(Qt::TabFocusReason);
+        Settle();
+    }
+
+    TestForm frm;
+    QtFormBinding binding;
+};
+
+TEST_F(Binding, TypingGoesThroughKeyPressWhichMayChangeOrDropTheKey) {
+    int changes = 0;
+    frm.txtA.Change.Connect([&] { ++changes; });
+    frm.txtA.KeyPress.Connect([](int& key) {
+        if (key >= '0' && key <= '9') key = 0;
+        else if (key >= 'a' && key <= 'z') key = std::toupper(key);
+    });
+    Show();
+    Focus(frm.txtA);
+    auto* edit = Widget<QLineEdit>(frm.txtA);
+    QTest::keyClicks(edit, "a1b");
+    EXPECT_EQ(frm.txtA.Text(), "AB");
+    EXPECT_EQ(edit->text(), "AB");
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(edit->cursorPosition(), 2);
+
+    QTest::keyClick(edit, Qt::Key_Backspace);
+    EXPECT_EQ(frm.txtA.Text(), "A");
+    EXPECT_EQ(edit->text(), "A");
+}
+
+TEST_F(Binding, TypingReplacesTheSelectionTheUserMade) {
+    Show();
+    RunEntryPoint([this] { frm.txtA.SetText("hello"); });
+    Focus(frm.txtA);
+    auto* edit = Widget<QLineEdit>(frm.txtA);
+    edit->setSelection(1, 3);
+    QTest::keyClicks(edit, "X");
+    EXPECT_EQ(frm.txtA.Text(), "hXo");
+    EXPECT_EQ(edit->text(), "hXo");
+}
+
+TEST_F(Binding, TheModelsTextReachesTheWidgetWithoutAnEcho) {
+    int changes = 0;
+    frm.txtB.Change.Connect([&] { ++changes; });
+    Show();
+    RunEntryPoint([this] { frm.txtB.SetText("from the model"); });
+    EXPECT_EQ(Widget<QLineEdit>(frm.txtB)->text(), "from the model");
+    EXPECT_EQ(changes, 1);
+    // Latin-1 both ways.
+    RunEntryPoint([this] { frm.txtB.SetText("caf\xe9"); });
+    EXPECT_EQ(Widget<QLineEdit>(frm.txtB)->text(), QString::fromUtf8("caf\u00e9"));
+}
+
+TEST_F(Binding, AThreeStateBoxCyclesInItsMouseDownAndNeverTogglesByItself) {
+    int clicks = 0;
+    frm.chkDots.MouseDown.Connect([this] {
+        static const int next[] = {2, 0, 1};  // 0 -> 2 -> 1 -> 0
+        frm.chkDots.SetValue(next[frm.chkDots.Value()]);
+    });
+    frm.chkDots.Click.Connect([&] { ++clicks; });
+    Show();
+    auto* box = Widget<QCheckBox>(frm.chkDots);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    Settle();
+    EXPECT_EQ(frm.chkDots.Value(), 2);
+    EXPECT_EQ(box->checkState(), Qt::PartiallyChecked);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    Settle();
+    EXPECT_EQ(frm.chkDots.Value(), 1);
+    EXPECT_EQ(box->checkState(), Qt::Checked);
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(Binding, APlainBoxFlipsThroughTheModel) {
+    int clicks = 0;
+    frm.chkPlain.Click.Connect([&] { ++clicks; });
+    Show();
+    auto* box = Widget<QCheckBox>(frm.chkPlain);
+    QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    Settle();
+    EXPECT_EQ(frm.chkPlain.Value(), 1);
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(box->checkState(), Qt::Checked);
+}
+
+TEST_F(Binding, AListClickSelectsThroughTheModelOnce) {
+    int clicks = 0;
+    frm.lstOne.Click.Connect([&] { ++clicks; });
+    Show();
+    auto* list = Widget<QListWidget>(frm.lstOne);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(1)).center());
+    Settle();
+    EXPECT_EQ(frm.lstOne.ListIndex(), 1);
+    EXPECT_EQ(clicks, 1);
+
+    // Below the items: nothing is clicked, the selection stays.
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(5, list->viewport()->height() - 3));
+    Settle();
+    EXPECT_EQ(frm.lstOne.ListIndex(), 1);
+    EXPECT_EQ(clicks, 1);
+    EXPECT_TRUE(list->item(1)->isSelected());
+}
+
+TEST_F(Binding, AListThatTakesTheFocusClicksNothing) {
+    int clicks = 0;
+    frm.lstOne.Click.Connect([&] { ++clicks; });
+    frm.lstMany.Click.Connect([&] { ++clicks; });
+    Show();
+    // The view puts its cursor on the first item as it takes the focus.
+    for (const form::ListBox* list : {&frm.lstOne, &frm.lstMany}) {
+        Focus(frm.txtA);
+        Focus(*list);
+        EXPECT_EQ(frm.ActiveControl(), list);
+        EXPECT_EQ(list->ListIndex(), -1);
+        EXPECT_EQ(list->SelCount(), 0);
+    }
+    EXPECT_EQ(clicks, 0);
+}
+
+TEST_F(Binding, AnExtendedListTakesTheUsersRange) {
+    int clicks = 0;
+    frm.lstMany.Click.Connect([&] { ++clicks; });
+    Show();
+    auto* list = Widget<QListWidget>(frm.lstMany);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+    Settle();
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                      list->visualItemRect(list->item(2)).center());
+    Settle();
+    EXPECT_EQ(frm.lstMany.ListIndex(), 2);
+    EXPECT_EQ(frm.lstMany.SelCount(), 3);
+    EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(Binding, AValidateThatCancelsKeepsTheFocusAndTheClickDoesNothing) {
+    int validations = 0, clicks = 0;
+    frm.txtA.Validate.Connect([&](bool& cancel) {
+        ++validations;
+        cancel = frm.txtA.Text() == "bad";
+    });
+    frm.cmdGo.Click.Connect([&] { ++clicks; });
+    Show();
+    RunEntryPoint([this] { frm.txtA.SetText("bad"); });
+    Focus(frm.txtA);
+    auto* button = Widget<QPushButton>(frm.cmdGo);
+    QTest::mouseClick(button, Qt::LeftButton);
+    Settle();
+    EXPECT_EQ(clicks, 0);
+    EXPECT_EQ(validations, 1);
+    EXPECT_EQ(frm.ActiveControl(), &frm.txtA);
+    EXPECT_TRUE(Widget<QLineEdit>(frm.txtA)->hasFocus());
+
+    RunEntryPoint([this] { frm.txtA.SetText("good"); });
+    QTest::mouseClick(button, Qt::LeftButton);
+    Settle();
+    EXPECT_EQ(clicks, 1);
+    EXPECT_EQ(frm.ActiveControl(), &frm.cmdGo);
+}
+
+TEST_F(Binding, TheFocusTheLogicGivesReachesTheWidget) {
+    Show();
+    Focus(frm.txtA);
+    RunEntryPoint([this] { frm.cmdGo.SetFocus(); });
+    Settle();
+    EXPECT_TRUE(Widget<QPushButton>(frm.cmdGo)->hasFocus());
+}
+
+TEST_F(Binding, AScrollBarMovedByTheUserSetsTheModelsValue) {
+    int changes = 0;
+    frm.scrBar.Change.Connect([&] { ++changes; });
+    Show();
+    auto* bar = Widget<QScrollBar>(frm.scrBar);
+    bar->triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    Settle();
+    EXPECT_EQ(frm.scrBar.Value(), 1);
+    EXPECT_EQ(changes, 1);
+    RunEntryPoint([this] { frm.scrBar.SetValue(7); });
+    EXPECT_EQ(bar->value(), 7);
+    EXPECT_EQ(changes, 2);  // the model's own change, no echo from the widget
+}
+
+TEST_F(Binding, AMenuEntryClicksAndKeepsTheModelsCheck) {
+    int clicks = 0;
+    frm.mnuCheck.Click.Connect([&] { ++clicks; });
+    Show();
+    QAction* action = nullptr;
+    for (QAction* a : binding.Window()->findChildren<QAction*>())
+        if (a->text() == "&Check") action = a;
+    ASSERT_NE(action, nullptr);
+    EXPECT_EQ(action->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_K));
+    EXPECT_TRUE(action->isChecked());
+    action->trigger();
+    EXPECT_EQ(clicks, 1);
+    EXPECT_TRUE(action->isChecked());  // only the model unchecks it
+    RunEntryPoint([this] { frm.mnuCheck.SetChecked(false); });
+    EXPECT_FALSE(action->isChecked());
+}
+
+TEST_F(Binding, ATimerTicksWhileTheModelHasItEnabled) {
+    int ticks = 0;
+    frm.timTick.Tick.Connect([&] {
+        if (++ticks == 3) frm.timTick.SetTimerEnabled(false);
+    });
+    RunEntryPoint([this] { frm.timTick.SetTimerEnabled(true); });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ticks >= 3; }, 2000));
+    QTest::qWait(50);
+    EXPECT_EQ(ticks, 3);
+}
+
+TEST_F(Binding, TheFormsPlaceAndSizeFollowTheModelAfterAnEvent) {
+    Show();
+    RunEntryPoint([this] {
+        frm.Left = 1500;
+        frm.Top = 750;
+        frm.txtB.Left = 1515;  // no event: brought over after the handler
+    });
+    EXPECT_EQ(binding.Window()->pos(), QPoint(100, 50));
+    EXPECT_EQ(Widget<QLineEdit>(frm.txtB)->geometry(), QRect(101, 10, 80, 21));
+}
+
+TEST_F(Binding, TheCloseBoxAsksTheModel) {
+    bool asked = false;
+    binding.OnQueryUnload = [&](bool& cancel) {
+        asked = true;
+        cancel = true;
+    };
+    Show();
+    binding.Window()->close();
+    EXPECT_TRUE(asked);
+    EXPECT_TRUE(frm.Visible());
+    EXPECT_TRUE(binding.Window()->isVisible());
+
+    binding.OnQueryUnload = nullptr;  // without a hook the form hides
+    binding.Window()->close();
+    EXPECT_FALSE(frm.Visible());
+    EXPECT_FALSE(binding.Window()->isVisible());
+}
+
+TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            // The box is dismissed as a user would; the program then ends.
+            QTimer::singleShot(200, [] {
+                if (QWidget* box = QApplication::activeModalWidget()) box->close();
+            });
+            RunEntryPoint([] { Raise(kOverflow); });
+        },
+        ::testing::ExitedWithCode(1), "Run-time error '6':\n\nOverflow");
+}
+
+TEST(EntryPoint, AHandlerThatEndsNormallyLeavesTheProgramRunning) {
+    bool ran = false;
+    RunEntryPoint([&] { ran = true; });
+    EXPECT_TRUE(ran);
+}
+
+}  // namespace
+}  // namespace ostrivane::desktop

@@ -1,0 +1,17 @@
+// One QApplication for the binding's tests, on the offscreen platform so that
+// they need no display.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libdbus-1.so\n"
+           "leak:libfontconfig.so\n";
+}
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
