@@ -15,10 +15,7 @@ using Calls = std::vector<std::string>;
 class FieldsTest : public MainFormTest {
 protected:
     void SetUp() override {
-        frm.scrNudgeX.SetRange(1, 1920);
-        frm.scrNudgeY.SetRange(1, 1080);
-        frm.scrNudgeW.SetRange(1, 1920);
-        frm.scrNudgeH.SetRange(0, 1080);
+        frm.SetNudgeRanges();
         frm.ClearGroupDefaults();
         frm.AppendMarker(100, 200, kBlank, kBlank, kBlank, kBlank, kBlank, kBlank);
         frm.lstMarkers.ClickItem(0);
@@ -35,38 +32,30 @@ protected:
     std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
 };
 
+// A marker field shows its own marker, a group field all of them.
 TEST_F(FieldsTest, CorrectionThenUpdateThenShow) {
-    struct Row { form::TextBox& field; const char* typed; const char* shown; int row; int column; const char* call; };
+    struct Row { form::TextBox& field; const char* typed; const char* shown; int row; int column; };
     const Row rows[] = {
-        {frm.txtThickness, "2", "1", 1, Thickness, "ShowMarker 1"},
-        {frm.txtThickness, "1000", "999", 1, Thickness, "ShowMarker 1"},
-        {frm.txtOpacity, "101", "100", 1, Opacity, "ShowMarker 1"},
-        {frm.txtHpos, "5000", "1920", 1, Hpos, "ShowMarker 1"},
-        {frm.txtVpos, "12abc", "12", 1, Vpos, "ShowMarker 1"},
-        {frm.txtHlen, "0", "1", 1, Hlen, "ShowMarker 1"},
-        {frm.txtVlen, "5000", "1080", 1, Vlen, "ShowMarker 1"},
-        {frm.txtThicknessGrpDef, "4", "3", 0, Thickness, "ShowAllMarkers"},
-        {frm.txtOpacityGrpDef, "0", "1", 0, Opacity, "ShowAllMarkers"},
-        {frm.txtHlenGrpDef, "9999", "1920", 0, Hlen, "ShowAllMarkers"},
-    };
+        {frm.txtThickness, "2", "1", 1, Thickness},   {frm.txtThickness, "1000", "999", 1, Thickness},
+        {frm.txtOpacity, "101", "100", 1, Opacity},   {frm.txtHpos, "5000", "1920", 1, Hpos},
+        {frm.txtVpos, "12abc", "12", 1, Vpos},        {frm.txtHlen, "0", "1", 1, Hlen},
+        {frm.txtVlen, "5000", "1080", 1, Vlen},       {frm.txtThicknessGrpDef, "4", "3", 0, Thickness},
+        {frm.txtOpacityGrpDef, "0", "1", 0, Opacity}, {frm.txtHlenGrpDef, "9999", "1920", 0, Hlen}};
     for (const Row& r : rows) {
         overlay.calls.clear();
         Leave(r.field, r.typed);
         EXPECT_EQ(r.field.Text(), r.shown) << r.field.Name();
         EXPECT_EQ(Cell(r.row, r.column), std::stoi(r.shown)) << r.field.Name();
-        EXPECT_EQ(overlay.calls, Calls{r.call}) << r.field.Name();
+        EXPECT_EQ(overlay.calls, Calls{r.row == 0 ? "ShowAllMarkers" : "ShowMarker 1"}) << r.field.Name();
     }
     EXPECT_TRUE(frm.Dirty);
 }
 
-TEST_F(FieldsTest, SPastedInEitherCaseStaysAndCountsAsWholeScreen) {
-    Leave(frm.txtHlen, "s");
+TEST_F(FieldsTest, BarsFollowTheFieldsAndTheDefaults) {
+    Leave(frm.txtHlen, "s");  // pasted in either case it stays, and counts as the whole screen
     EXPECT_EQ(frm.txtHlen.Text(), "s");
     EXPECT_EQ(Cell(1, Hlen), kWholeScreen);
     EXPECT_EQ(frm.scrNudgeW.Value(), 1920);
-}
-
-TEST_F(FieldsTest, BarsFollowTheFieldsAndTheDefaults) {
     Leave(frm.txtHpos, "-40");  // no lower bound: the cell takes it, the bar cannot
     EXPECT_EQ(Cell(1, Hpos), -40);
     EXPECT_EQ(frm.scrNudgeX.Value(), 100);
@@ -84,13 +73,11 @@ TEST_F(FieldsTest, BarsFollowTheFieldsAndTheDefaults) {
     Leave(frm.txtVlen, "");
     Leave(frm.txtVlenGrpDef, "400");
     EXPECT_EQ(frm.scrNudgeH.Value(), 680);
-}
 
-TEST_F(FieldsTest, BlankPositionSuspendsTheRowAndLeavesTheBar) {
-    Leave(frm.txtHpos, "");
+    Leave(frm.txtHpos, "");  // a blank position suspends the row and leaves the bar
     Leave(frm.txtThickness, "5");
     EXPECT_EQ(frm.scrNudgeX.Value(), 100);
-    EXPECT_EQ(Cell(1, Hpos), 100);
+    EXPECT_EQ(Cell(1, Hpos), -40);
     EXPECT_EQ(Cell(1, Thickness), kBlank);
 }
 
@@ -155,33 +142,30 @@ TEST_F(FieldsTest, KeysAndSelection) {
     EXPECT_TRUE(frm.Dirty);
 }
 
-TEST_F(FieldsTest, ColourFieldShowsItsColour) {
-    Leave(frm.txtColour, "0");
-    EXPECT_EQ(frm.txtColour.BackColor(), 0);
-    EXPECT_EQ(frm.txtColour.ForeColor(), form::kWhite);
-    EXPECT_EQ(Cell(1, Colour), 0);
-    Leave(frm.txtColour, "");
-    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
-    EXPECT_EQ(frm.txtColour.ForeColor(), form::kBlack);
-    EXPECT_EQ(Cell(1, Colour), kBlank);
-    Leave(frm.txtColour, "255.5");
-    EXPECT_EQ(frm.txtColour.Text(), "256");
+// The colour box as "text back fore".
+std::string Box(const form::TextBox& t) {
+    return t.Text() + " " + std::to_string(t.BackColor()) + " " + std::to_string(t.ForeColor());
+}
 
+TEST_F(FieldsTest, ColourFieldShowsItsColour) {
+    Leave(frm.txtColour, "0");  // white digits on black
+    EXPECT_EQ(Box(frm.txtColour) + " " + std::to_string(Cell(1, Colour)), "0 0 16777215 0");
+    Leave(frm.txtColour, "");
+    EXPECT_EQ(Box(frm.txtColour) + " " + std::to_string(Cell(1, Colour)), " 16777215 0 -1");
+    Leave(frm.txtColour, "255.5");
     overlay.calls.clear();
     Leave(frm.txtColour, "99999999999");  // no 32-bit colour: box and table stay
-    EXPECT_EQ(frm.txtColour.BackColor(), 256);
-    EXPECT_EQ(Cell(1, Colour), 256);
+    EXPECT_EQ(Box(frm.txtColour) + " " + std::to_string(Cell(1, Colour)), "99999999999 256 0 256");
     EXPECT_TRUE(overlay.calls.empty());
     EXPECT_TRUE(frm.SetColourField(frm.txtColour, "-1"));
-    EXPECT_EQ(frm.txtColour.Text(), "");
+    EXPECT_EQ(Box(frm.txtColour), " 16777215 0");
 }
 
 TEST_F(FieldsTest, ColourChart) {
     dialogs.colourAnswers = {-1, 16711680, 0};
-    frm.txtColour.DblClick.Raise();
-    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
+    frm.txtColour.DblClick.Raise();  // cancelled
+    EXPECT_EQ(Box(frm.txtColour), " 16777215 0");
     EXPECT_TRUE(overlay.calls.empty());
-
     frm.txtColour.DblClick.Raise();
     EXPECT_EQ(dialogs.asked[1].colour, form::kWhite);  // starts at the box's colour
     EXPECT_EQ(frm.txtColour.Text(), "16711680");

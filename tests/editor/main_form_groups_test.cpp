@@ -11,10 +11,8 @@
 namespace ostrivane::testing {
 namespace {
 
-using fakes::Question;
 using Lines = std::vector<std::string>;
-
-constexpr char kSavePrompt[] = "There are unsaved changes. Save now (or they will be lost)?";
+using Row = std::vector<std::int32_t>;
 
 const Lines kAlpha = {"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,1,", "1=400,300,-2,-2,65280,3,60,0,",
                       "2=100,100,50,50,-1,-1,-1,-1,", "Notes=First line\xffSecond line"};
@@ -32,7 +30,11 @@ protected:
         WriteDataFile(text);
         frm.LoadGroupList();
     }
-    void SetupAlphaBeta() { Setup({{"Alpha", kAlpha}, {"Beta", kBeta}}); }
+    // Alpha and Beta listed, and Alpha loaded.
+    void LoadAlpha() {
+        Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+        frm.lstGroups.SetListIndex(0);
+    }
     Lines Section(const std::string& name) const {
         Lines lines;
         const std::string text = lib_ProfileGetSection(name, frm.DataFile);
@@ -47,13 +49,18 @@ protected:
             if (line.starts_with("[")) names.push_back(line.substr(1, line.find(']') - 1));
         return names;
     }
-    static Lines Items(const form::ListBox& list) {
+    Lines Groups() const {
         Lines items;
-        for (int i = 0; i < list.ListCount(); ++i) items.push_back(list.List(i));
+        for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
         return items;
     }
-    std::vector<std::int32_t> Row(int r) const {
-        std::vector<std::int32_t> v;
+    // "current group, list index, marker count, dirty"
+    std::string State() const {
+        return std::to_string(frm.CurrentGroup) + "," + std::to_string(frm.lstGroups.ListIndex()) + "," +
+               std::to_string(frm.store.MarkerCount) + (frm.Dirty ? ",dirty" : ",clean");
+    }
+    Row Marker(int r) const {
+        Row v;
         for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) v.push_back(frm.store.Markers(r, c));
         return v;
     }
@@ -64,52 +71,35 @@ protected:
     }
 };
 
-class GroupList : public GroupTest {};
-
-TEST_F(GroupList, SectionsInFileOrderWithoutTheSettingsSection) {
+TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
     frm.lstGroups.AddItem("stale");
     WriteDataFile("[Zeta]\nx=1\r\n[Defaults]\r\n[defaults]\n [Indented]\r\nkey=[x]\n[Odd] \r\n[]\n[\n[Alpha]");
     frm.LoadGroupList();
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Zeta", "defaults", "Odd]", "", "", "Alpha"}));
+    EXPECT_EQ(Groups(), (Lines{"Zeta", "defaults", "Odd]", "", "", "Alpha"}));
     EXPECT_EQ(frm.store.Markers(0, Thickness), kBlank);  // the group defaults were cleared
-}
-
-TEST_F(GroupList, MissingFileGivesAnEmptyListAndFindIsExact) {
-    frm.lstGroups.AddItem("stale");
+    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "Odd]"), 2);
+    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "zeta"), -1);  // exact
+    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, ""), 3);
+    std::filesystem::remove(frm.DataFile);
     frm.LoadGroupList();
     EXPECT_EQ(frm.lstGroups.ListCount(), 0);
-    for (const char* item : {"a", "B", "a", ""}) frm.lstGroups.AddItem(item);
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "a"), 0);
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "B"), 1);
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "b"), -1);
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, ""), 3);
 }
 
-class GroupPrompt : public GroupTest {};
-
-TEST_F(GroupPrompt, AnswersDecideSaveAndDirty) {
-    struct Case {
-        bool allowCancel;
-        int answer, flags;
-        bool saved, dirtyAfter;
-    } cases[] = {{false, vbYes, 36, true, false},
-                 {false, vbNo, 36, false, false},
-                 {true, vbYes, 35, true, false},
-                 {true, vbNo, 35, false, false},
-                 {true, vbCancel, 35, false, true}};
+TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
+    struct Case { bool allowCancel; int answer, flags; bool saved, dirtyAfter; };
+    const Case cases[] = {{false, vbYes, 36, true, false}, {false, vbNo, 36, false, false}, {true, vbYes, 35, true, false},
+                          {true, vbNo, 35, false, false},  {true, vbCancel, 35, false, true}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.answer);
-        SetupAlphaBeta();
-        frm.lstGroups.SetListIndex(0);
+        LoadAlpha();
         frm.store.Markers(1, Hpos) = 999;
         frm.Dirty = true;
         dialogs.msgBoxAnswers = {c.answer};
         dialogs.asked.clear();
         frm.PromptToSave(c.allowCancel);
         ASSERT_EQ(dialogs.asked.size(), 1u);
-        EXPECT_EQ(dialogs.asked[0].prompt, kSavePrompt);
-        EXPECT_EQ(dialogs.asked[0].flags, c.flags);
-        EXPECT_EQ(dialogs.asked[0].title, "Ostrivane");
+        EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].title + "|" + std::to_string(dialogs.asked[0].flags),
+                  "There are unsaved changes. Save now (or they will be lost)?|Ostrivane|" + std::to_string(c.flags));
         EXPECT_EQ(Section("Alpha")[2] == "1=999,300,-2,-2,65280,3,60,0,", c.saved);
         EXPECT_EQ(frm.Dirty, c.dirtyAfter);
     }
@@ -117,19 +107,13 @@ TEST_F(GroupPrompt, AnswersDecideSaveAndDirty) {
     frm.PromptToSave(true);  // asks nothing: no answer is scripted
 }
 
-class GroupLoad : public GroupTest {};
-
-TEST_F(GroupLoad, FillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
-    EXPECT_EQ(frm.CurrentGroup, 0);
-    EXPECT_EQ(Items(frm.lstMarkers), (Lines{"1", "2"}));
-    EXPECT_EQ(Row(1), (std::vector<std::int32_t>{400, 300, -2, -2, 65280, 3, 60, 0}));
-    EXPECT_EQ(Row(2), (std::vector<std::int32_t>{100, 100, 50, 50, -1, -1, -1, -1}));
-    EXPECT_EQ(frm.txtHlenGrpDef.Text(), "200");
-    EXPECT_EQ(frm.txtVlenGrpDef.Text(), "");
+TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
+    LoadAlpha();
+    EXPECT_EQ(State(), "0,0,2,clean");
+    EXPECT_EQ(Marker(1), (Row{400, 300, -2, -2, 65280, 3, 60, 0}));
+    EXPECT_EQ(Marker(2), (Row{100, 100, 50, 50, -1, -1, -1, -1}));
+    EXPECT_EQ(frm.txtHlenGrpDef.Text() + "|" + frm.txtVlenGrpDef.Text() + "|" + frm.txtThicknessGrpDef.Text(), "200||3");
     EXPECT_EQ(frm.txtColourGrpDef.BackColor(), 65280);
-    EXPECT_EQ(frm.txtThicknessGrpDef.Text(), "3");
     EXPECT_EQ(frm.txtGroupNotes.Text(), "First line\r\nSecond line");
     EXPECT_TRUE(frm.cmdSaveGroup.Enabled() && frm.cmdDelGroup.Enabled() && frm.txtHlenGrpDef.Enabled());
     EXPECT_FALSE(frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() || frm.scrNudgeX.Enabled());
@@ -141,12 +125,9 @@ TEST_F(GroupLoad, FillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
     EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280,3,-1,-1,");
 }
 
-TEST_F(GroupLoad, MarkerLinesByFormatAndPartCount) {
-    const std::vector<std::int32_t> dottedBlank{1, 2, 3, 4, 5, 7, 9, -1}, dottedOne{1, 2, 3, 4, 5, 7, 9, 1};
-    struct Case {
-        Lines lines;
-        std::vector<std::vector<std::int32_t>> rows;
-    } cases[] = {
+TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
+    const Row dottedBlank{1, 2, 3, 4, 5, 7, 9, -1}, dottedOne{1, 2, 3, 4, 5, 7, 9, 1};
+    const std::pair<Lines, std::vector<Row>> cases[] = {
         {{"1=1,2,3,4,5,7,9,"}, {dottedBlank}},                  // format 0, trailing comma: 8 parts
         {{"1=1,2,3,4,5,7,9"}, {}},                              // format 0, no trailing comma
         {{"1=1,2,3,4,5,7,9,1,"}, {}},                           // format 0 with a dotted value
@@ -156,39 +137,33 @@ TEST_F(GroupLoad, MarkerLinesByFormatAndPartCount) {
         {{"1=1,2,3,4,5,7,9,", "DataFormat=1", "9=1,2,3,4,5,7,9,1,"}, {dottedBlank, dottedOne}},
         {{"DataFormat=1", "7=1,2,3,4,5,7,9,1,", "3=1,2,3,4,5,7,9,"}, {dottedOne}},  // keys are not read
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.lines.back());
-        ASSERT_EQ(LoadOnly(c.lines), 0);
-        ASSERT_EQ(frm.store.MarkerCount, static_cast<std::int16_t>(c.rows.size()));
-        for (std::size_t r = 0; r < c.rows.size(); ++r) EXPECT_EQ(Row(static_cast<int>(r) + 1), c.rows[r]);
+    for (const auto& [lines, rows] : cases) {
+        SCOPED_TRACE(lines.back());
+        ASSERT_EQ(LoadOnly(lines), 0);
+        ASSERT_EQ(frm.store.MarkerCount, static_cast<std::int16_t>(rows.size()));
+        for (std::size_t r = 0; r < rows.size(); ++r) EXPECT_EQ(Marker(static_cast<int>(r) + 1), rows[r]);
     }
-}
-
-TEST_F(GroupLoad, UnknownFormatStillLoadsDefaultsAndNotes) {
+    // an unknown format still loads the defaults and the notes; the twelfth value reaches column 12
     ASSERT_EQ(LoadOnly({"DataFormat=2", "Defaults=0,0,9,8,7,5,3,0,0,0,0,1,", "1=1,2,3,4,5,6,7,1,", "Notes=a\xff"}), 0);
     EXPECT_EQ(frm.GroupFormat, 2);
-    EXPECT_EQ(frm.store.MarkerCount, 0);
     EXPECT_EQ(frm.txtVlenGrpDef.Text(), "8");
-    EXPECT_EQ(frm.chkDottedGrpDef.Value(), kCheckChecked);  // the twelfth value reaches column 12
+    EXPECT_EQ(frm.chkDottedGrpDef.Value(), kCheckChecked);
     EXPECT_EQ(frm.txtGroupNotes.Text(), "a\r\n");
 }
 
-TEST_F(GroupLoad, MissingSectionLoadsEmptyAndSavesWithoutMarkerLines) {
-    SetupAlphaBeta();
+TEST_F(GroupTest, MissingSectionLoadsEmptyAndSavesWithoutMarkerLines) {
+    Setup({{"Alpha", kAlpha}});
     frm.lstGroups.AddItem("Ghost");
-    frm.lstGroups.SetListIndex(2);
-    EXPECT_EQ(frm.CurrentGroup, 2);
-    EXPECT_EQ(frm.store.MarkerCount, 0);
-    EXPECT_TRUE(frm.cmdSaveGroup.Enabled());
+    frm.lstGroups.SetListIndex(1);
+    EXPECT_EQ(State(), "1,1,0,clean");
     frm.cmdSaveGroup.PerformClick();
     EXPECT_EQ(Section("Ghost"), (Lines{"DataFormat=1", "Defaults=0,0,-1,-1,-1,-1,-1,-1,", "Notes="}));
 }
 
-TEST_F(GroupLoad, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
+TEST_F(GroupTest, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
     for (int answer : {vbYes, vbNo}) {
         SCOPED_TRACE(answer);
-        SetupAlphaBeta();
-        frm.lstGroups.SetListIndex(0);
+        LoadAlpha();
         frm.txtThicknessGrpDef.SetText("7");  // reaches row 0, and Dirty, in the load's update
         dialogs.msgBoxAnswers = {answer};
         dialogs.asked.clear();
@@ -196,22 +171,19 @@ TEST_F(GroupLoad, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
         EXPECT_EQ(dialogs.asked.size(), 1u);
         EXPECT_EQ(Section("Alpha")[1], answer == vbYes ? "Defaults=0,0,200,-1,65280,7,-1,-1," : kAlpha[1]);
         EXPECT_EQ(Section("Beta"), kBeta);
-        EXPECT_EQ(frm.CurrentGroup, 1);
-        EXPECT_EQ(Row(1), (std::vector<std::int32_t>{10, 20, 30, 40, 50, 5, 70, 1}));
-        EXPECT_FALSE(frm.Dirty);
+        EXPECT_EQ(State(), "1,1,1,clean");
+        EXPECT_EQ(Marker(1), (Row{10, 20, 30, 40, 50, 5, 70, 1}));
     }
 }
 
-TEST_F(GroupLoad, OverlayCallsAndTheFlashTimer) {
-    SetupAlphaBeta();
+TEST_F(GroupTest, LoadCallsTheOverlayAndSetsTheFlashTimer) {
+    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
     frm.Showing = true;
     frm.FlashPhase = true;
     frm.timFlashSelected.SetTimerEnabled(true);
     frm.lstGroups.SetListIndex(0);
     EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
-    EXPECT_FALSE(frm.FlashPhase);
-    EXPECT_FALSE(frm.timFlashSelected.TimerEnabled());  // chkFlashSelected is unchecked
-
+    EXPECT_FALSE(frm.FlashPhase || frm.timFlashSelected.TimerEnabled());  // chkFlashSelected is unchecked
     frm.Showing = false;
     frm.chkFlashSelected.SetValue(kCheckChecked);
     overlay.calls.clear();
@@ -220,24 +192,18 @@ TEST_F(GroupLoad, OverlayCallsAndTheFlashTimer) {
     EXPECT_TRUE(frm.timFlashSelected.TimerEnabled());
 }
 
-class GroupLoadFailure : public GroupTest {};
-
-TEST_F(GroupLoadFailure, NonNumberInDefaultsLeavesTheGroupPartlyLoaded) {
+// A failed load leaves what it had done: the error comes out of the click.
+TEST_F(GroupTest, LoadFailureLeavesTheGroupPartlyLoaded) {
     EXPECT_EQ(LoadOnly({"DataFormat=1", "Defaults=0,0,150,x,-1,-1,-1,-1,", "1=1,2,3,4,5,7,9,1,"}), kTypeMismatch);
-    EXPECT_EQ(frm.CurrentGroup, 0);
+    EXPECT_EQ(State(), "0,0,0,clean");
     EXPECT_EQ(frm.store.Markers(0, Hlen), 150);
     EXPECT_EQ(frm.store.Markers(0, Vlen), kBlank);
     EXPECT_EQ(frm.txtHlenGrpDef.Text(), "");  // the fields were not filled yet
-    EXPECT_EQ(frm.store.MarkerCount, 0);
-}
-
-TEST_F(GroupLoadFailure, SubscriptAndConversionErrors) {
     EXPECT_EQ(LoadOnly({"Defaults=1,2,3,4,5,6,7,8,9,10,11,1,13,"}), kSubscriptOutOfRange);
     EXPECT_EQ(frm.store.Markers(0, Dotted), 1);  // written before column 13 failed
     EXPECT_EQ(LoadOnly({"1=1,2,3,4,5,7,9,", "2=1,2,x,4,5,7,9,"}), kTypeMismatch);
     EXPECT_EQ(frm.store.MarkerCount, 1);
     EXPECT_EQ(LoadOnly({"DataFormat=one"}), kTypeMismatch);
-
     Lines many;
     for (int i = 1; i <= 51; ++i) many.push_back(std::to_string(i) + "=" + std::to_string(i) + ",2,3,4,5,7,9,");
     EXPECT_EQ(LoadOnly(many), kSubscriptOutOfRange);
@@ -245,65 +211,50 @@ TEST_F(GroupLoadFailure, SubscriptAndConversionErrors) {
     EXPECT_EQ(frm.store.Markers(50, Hpos), 50);
 }
 
-class GroupSave : public GroupTest {};
-
-TEST_F(GroupSave, WritesFieldsTableAndNotesUnderTheLoadedName) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
+TEST_F(GroupTest, SaveWritesFieldsTableAndNotesUnderTheLoadedName) {
+    LoadAlpha();
     frm.lstMarkers.ClickItem(1);
     frm.txtHpos.SetText("555");
     frm.txtGroupNotes.SetText("One\r\nTwo");
     frm.cmdSaveGroup.PerformClick();
-    EXPECT_EQ(Section("Alpha"),
-              (Lines{"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,-1,", "1=400,300,-2,-2,65280,3,60,0,",
-                     "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
+    EXPECT_EQ(Section("Alpha"), (Lines{"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,-1,",
+                                       "1=400,300,-2,-2,65280,3,60,0,", "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta"}));
-    EXPECT_FALSE(frm.Dirty);
+    EXPECT_EQ(State(), "0,0,2,clean");
 }
 
-TEST_F(GroupSave, WithNoGroupLoadedAsksForANameAndLoadsIt) {
-    SetupAlphaBeta();
+TEST_F(GroupTest, SaveWithNoGroupLoadedAsksForANameAndLoadsIt) {
+    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
     frm.AppendMarker(5, 6, -2, -2, -1, -1, -1, -1);
-    frm.Dirty = true;
     dialogs.inputBoxAnswers = {"Fresh"};
     frm.cmdSaveGroup.PerformClick();
     ASSERT_EQ(dialogs.asked.size(), 1u);
-    EXPECT_EQ(dialogs.asked[0].prompt, "Name");
-    EXPECT_EQ(dialogs.asked[0].proposal, "");
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Alpha", "Beta", "Fresh"}));
-    EXPECT_EQ(frm.CurrentGroup, 2);
+    EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].proposal, "Name|");
+    EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta", "Fresh"}));
+    EXPECT_EQ(State(), "2,2,1,clean");
     EXPECT_EQ(Section("Fresh")[2], "1=5,6,-2,-2,-1,-1,-1,-1,");
-    EXPECT_EQ(Row(1), (std::vector<std::int32_t>{5, 6, -2, -2, -1, -1, -1, -1}));  // reloaded from the file
+    EXPECT_EQ(Marker(1), (Row{5, 6, -2, -2, -1, -1, -1, -1}));  // reloaded from the file
 }
 
-TEST_F(GroupSave, SaveAsOverAListedNameOverwritesAndKeepsTheSelection) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
+TEST_F(GroupTest, SaveAsOverwritesAListedNameOrAddsANewOneAtTheEndAndLoadsIt) {
+    LoadAlpha();
     frm.Dirty = true;
     dialogs.inputBoxAnswers = {"Beta"};
     frm.mnuSaveAsGroup.PerformClick();
     EXPECT_EQ(dialogs.asked[0].proposal, "Alpha");
     EXPECT_FALSE(dialogs.asked[0].position.has_value());  // the form is not visible
     EXPECT_EQ(Section("Beta")[2], kAlpha[2]);
-    EXPECT_EQ(frm.lstGroups.ListIndex(), 0);
-    EXPECT_EQ(frm.CurrentGroup, 0);
-    EXPECT_FALSE(frm.Dirty);
-}
+    EXPECT_EQ(State(), "0,0,2,clean");  // the selection stays on the group left behind
 
-TEST_F(GroupSave, SaveAsANewNameAddsItAtTheEndAndLoadsIt) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
     frm.SetVisible(true);
     frm.Left = 1000;
     frm.Top = 2000;
     frm.txtGroupNotes.SetText("changed");
     dialogs.inputBoxAnswers = {"Gamma"};
     frm.SaveGroupAs();
-    ASSERT_TRUE(dialogs.asked[0].position.has_value());
-    EXPECT_EQ(dialogs.asked[0].position->left, 1350);
-    EXPECT_EQ(dialogs.asked[0].position->top, 2350);
-    EXPECT_EQ(frm.lstGroups.ListIndex(), 2);
-    EXPECT_EQ(frm.CurrentGroup, 2);
+    ASSERT_TRUE(dialogs.asked[1].position.has_value());
+    EXPECT_EQ(std::pair(dialogs.asked[1].position->left, dialogs.asked[1].position->top), std::pair(1350, 2350));
+    EXPECT_EQ(State(), "2,2,2,clean");
     EXPECT_EQ(Section("Alpha"), kAlpha);
     EXPECT_EQ(Section("Gamma").back(), "Notes=changed");
     EXPECT_EQ(frm.txtGroupNotes.Text(), "changed");
@@ -315,70 +266,53 @@ TEST_F(GroupSave, SaveAsANewNameAddsItAtTheEndAndLoadsIt) {
     frm.Unloading = true;  // a closing form writes the file and leaves the list alone
     frm.SaveGroupAs();
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta", "Gamma", "Delta"}));
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Alpha", "Beta", "Gamma"}));
+    EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta", "Gamma"}));
 }
 
-class GroupRename : public GroupTest {};
-
-TEST_F(GroupRename, MovesTheSectionToTheEndOfTheFile) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
-    dialogs.inputBoxAnswers = {"Renamed"};
-    frm.mnuRenGroup.PerformClick();
-    EXPECT_EQ(dialogs.asked[0].prompt, "New name");
-    EXPECT_EQ(dialogs.asked[0].proposal, "Alpha");
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Renamed", "Beta"}));
-    EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", "Renamed"}));
-    EXPECT_EQ(Section("Renamed"), kAlpha);
-    frm.LoadGroupList();
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Beta", "Renamed"}));
-}
-
-TEST_F(GroupRename, ListedNameDoesNothingAndCancelEmptiesTheName) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
+// A listed name does nothing; the new name's section moves to the end of the
+// file; Cancel answers the empty name, which is taken.
+TEST_F(GroupTest, RenameMovesTheSectionToTheEndOfTheFile) {
+    LoadAlpha();
     const std::string before = ReadDataFile();
     for (const char* answer : {"Beta", "Alpha"}) {
         dialogs.inputBoxAnswers = {answer};
         frm.RenameGroup();  // a further question would fail: none is scripted
         EXPECT_EQ(ReadDataFile(), before);
-        EXPECT_EQ(Items(frm.lstGroups), (Lines{"Alpha", "Beta"}));
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
     }
+    dialogs.inputBoxAnswers = {"Renamed"};
+    frm.mnuRenGroup.PerformClick();
+    EXPECT_EQ(dialogs.asked.back().prompt + "|" + dialogs.asked.back().proposal, "New name|Alpha");
+    EXPECT_EQ(Groups(), (Lines{"Renamed", "Beta"}));
+    EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", "Renamed"}));
+    EXPECT_EQ(Section("Renamed"), kAlpha);
     dialogs.inputBoxAnswers = {""};
     frm.RenameGroup();
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"", "Beta"}));
+    EXPECT_EQ(Groups(), (Lines{"", "Beta"}));
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", ""}));
 }
 
-class GroupDelete : public GroupTest {};
-
-TEST_F(GroupDelete, RemovesTheSectionAndDisablesTheControls) {
-    SetupAlphaBeta();
-    frm.lstGroups.SetListIndex(0);
+TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
+    LoadAlpha();
     frm.lstMarkers.ClickItem(0);
     frm.Showing = true;
     frm.Dirty = true;
     overlay.calls.clear();
     frm.cmdDelGroup.PerformClick();
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta"}));
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Beta"}));
-    EXPECT_EQ(frm.CurrentGroup, -1);
-    EXPECT_EQ(frm.store.MarkerCount, 0);
-    EXPECT_EQ(frm.lstMarkers.ListCount(), 0);
-    EXPECT_EQ(overlay.calls, (Lines{"DestroyAllMarkerWindows"}));
-    EXPECT_TRUE(frm.Showing);
-    EXPECT_FALSE(frm.Dirty);
-    EXPECT_EQ(frm.ActiveControl(), &frm.cmdAddMarker);
+    EXPECT_EQ(Groups(), (Lines{"Beta"}));
+    EXPECT_EQ(State() + "," + std::to_string(frm.lstMarkers.ListCount()), "-1,-1,0,clean,0");
+    EXPECT_EQ(overlay.calls, (Lines{"DestroyAllMarkerWindows"}));  // and still showing
+    EXPECT_TRUE(frm.Showing && frm.ActiveControl() == &frm.cmdAddMarker);
     EXPECT_FALSE(frm.cmdSaveGroup.Enabled() || frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() ||
                  frm.scrNudgeX.Enabled() || frm.scrNudgeW.Enabled() || frm.mnuRenGroup.Enabled());
     frm.cmdDelGroup.PerformClick();  // nothing selected: nothing happens
-    EXPECT_EQ(Items(frm.lstGroups), (Lines{"Beta"}));
+    EXPECT_EQ(Groups(), (Lines{"Beta"}));
 }
 
-TEST_F(GroupDelete, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
+TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
     for (bool showing : {false, true}) {
-        SetupAlphaBeta();
-        frm.lstGroups.SetListIndex(0);
+        LoadAlpha();
         frm.lblMsg.SetCaption("note");
         const std::string thickness = showing ? "9" : "11";
         frm.txtThicknessGrpDef.SetText(thickness);
@@ -387,24 +321,26 @@ TEST_F(GroupDelete, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
         dialogs.msgBoxAnswers = {vbYes};
         frm.mnuClearGroupSelection.PerformClick();
         EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280," + thickness + ",-1,-1,");
-        EXPECT_EQ(frm.lstGroups.ListIndex(), -1);
-        EXPECT_EQ(frm.CurrentGroup, -1);
-        EXPECT_EQ(frm.lblMsg.Caption(), "");
-        EXPECT_EQ(frm.store.MarkerCount, 0);
-        EXPECT_EQ(frm.txtThicknessGrpDef.Text(), "");
+        EXPECT_EQ(State(), "-1,-1,0,clean");
+        EXPECT_EQ(frm.lblMsg.Caption() + frm.txtThicknessGrpDef.Text(), "");
         EXPECT_FALSE(frm.cmdSaveGroup.Enabled());
         EXPECT_EQ(overlay.calls, showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
-        EXPECT_EQ(Items(frm.lstGroups), (Lines{"Alpha", "Beta"}));
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
     }
 }
 
-class GroupMenus : public GroupTest {};
-
-TEST_F(GroupMenus, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {
+TEST_F(GroupTest, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {
+    int shows = 0;  // a double click on the list shows only when stopped
+    frm.cmdShow.Click.Connect([&] { ++shows; });
+    frm.lstGroups.DblClick.Raise();
+    EXPECT_EQ(shows, 1);
+    frm.Showing = true;
+    frm.lstGroups.DblClick.Raise();
+    EXPECT_EQ(shows, 1);
+    frm.Showing = false;
     for (form::MenuItem* menu : {&frm.mnuSaveGroup, &frm.mnuSaveAsGroup, &frm.mnuRenGroup}) {
         SCOPED_TRACE(menu->Name());
-        SetupAlphaBeta();
-        frm.lstGroups.SetListIndex(0);
+        LoadAlpha();
         frm.txtHpos.SetFocus();
         std::size_t askedAtValidation = 99;
         std::string fileAtValidation;
@@ -419,16 +355,6 @@ TEST_F(GroupMenus, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {
         EXPECT_NE(fileAtValidation, ReadDataFile());  // the work came after
         EXPECT_EQ(frm.ActiveControl(), &frm.cmdAddMarker);
     }
-}
-
-TEST_F(GroupMenus, DoubleClickShowsOnlyWhenStopped) {
-    int shows = 0;
-    frm.cmdShow.Click.Connect([&] { ++shows; });
-    frm.lstGroups.DblClick.Raise();
-    EXPECT_EQ(shows, 1);
-    frm.Showing = true;
-    frm.lstGroups.DblClick.Raise();
-    EXPECT_EQ(shows, 1);
 }
 
 }  // namespace

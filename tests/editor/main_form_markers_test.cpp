@@ -8,32 +8,32 @@
 namespace ostrivane::testing {
 namespace {
 
+using Calls = std::vector<std::string>;
+
 class MarkerListTest : public MainFormTest {
 protected:
-    // Markers told apart by Hpos 100, 200, ...
-    void AddMarkers(int count) {
-        for (int k = 1; k <= count; ++k) frm.AppendMarker(100 * k, 50, 300, kBlank, 255, 1, 100, 0);
+    // A fresh list of markers told apart by Hpos 100, 200, ...; "X" selects
+    // the item at that place, "." leaves it.
+    void Start(const std::string& selection) {
+        frm.lstMarkers.Clear();
+        frm.store.MarkerCount = 0;
+        for (int k = 1; k <= static_cast<int>(selection.size()); ++k)
+            frm.AppendMarker(100 * k, 50, 300, kBlank, 255, 1, 100, 0);
+        for (int i = 0; i < static_cast<int>(selection.size()); ++i) frm.lstMarkers.SetSelected(i, selection[i] == 'X');
+        frm.Dirty = false;
+        overlay.calls.clear();
     }
-    // "X" selects the item at that place, "." leaves it.
-    void Select(const std::string& pattern) {
-        for (int i = 0; i < static_cast<int>(pattern.size()); ++i) frm.lstMarkers.SetSelected(i, pattern[i] == 'X');
+    // "Hpos of each row|list items|selection", as "200,400,|1,2,|X.".
+    std::string Table() const {
+        std::string hposes, items, selection;
+        for (int r = 1; r <= frm.store.MarkerCount; ++r) hposes += std::to_string(frm.store.Markers(r, Hpos)) + ",";
+        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) {
+            items += frm.lstMarkers.List(i) + ",";
+            selection += frm.lstMarkers.Selected(i) ? 'X' : '.';
+        }
+        return hposes + "|" + items + "|" + selection;
     }
-    std::vector<int> Hposes() const {
-        std::vector<int> out;
-        for (int r = 1; r <= frm.store.MarkerCount; ++r) out.push_back(frm.store.Markers(r, Hpos));
-        return out;
-    }
-    std::vector<std::string> Items() const {
-        std::vector<std::string> out;
-        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) out.push_back(frm.lstMarkers.List(i));
-        return out;
-    }
-    std::string Selection() const {
-        std::string out;
-        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) out += frm.lstMarkers.Selected(i) ? 'X' : '.';
-        return out;
-    }
-    void AnswerDuplicate(std::vector<std::string> answers) {
+    void Duplicate(const std::vector<std::string>& answers) {
         dialogs.inputBoxAnswers.assign(answers.begin(), answers.end());
         frm.mnuDupMarker.PerformClick();
     }
@@ -42,77 +42,59 @@ protected:
 TEST_F(MarkerListTest, AppendWritesTheRowAndTheItemButNeitherSelectsNorDirties) {
     frm.store.Markers(1, HwndH) = 77;
     frm.AppendMarker(-5, 6, kWholeScreen, kBlank, 0, 3, 40, 2);
-    EXPECT_EQ(frm.store.MarkerCount, 1);
     const MarkerRow& row = frm.store.Markers.row(1);
-    EXPECT_EQ((std::vector<int>{row[Hpos], row[Vpos], row[Hlen], row[Vlen], row[Colour], row[Thickness],
-                                row[Opacity], row[Dotted]}),
-              (std::vector<int>{-5, 6, -2, -1, 0, 3, 40, 2}));
-    EXPECT_EQ(row[HwndH], 77);  // the overlay's columns are not its business
-    EXPECT_EQ(Items(), std::vector<std::string>{"1"});
-    EXPECT_EQ(frm.lstMarkers.SelCount(), 0);
+    EXPECT_EQ((std::vector<int>{row[Hpos], row[Vpos], row[Hlen], row[Vlen], row[Colour], row[Thickness], row[Opacity],
+                                row[Dotted], row[HwndH]}),
+              (std::vector<int>{-5, 6, -2, -1, 0, 3, 40, 2, 77}));  // the overlay's columns are not its business
+    EXPECT_EQ(Table(), "-5,|1,|.");
     EXPECT_FALSE(frm.Dirty);
     // the group row opens, but with no group selected there is nothing to delete or rename
-    EXPECT_TRUE(frm.cmdSaveGroup.Enabled());
-    EXPECT_TRUE(frm.txtHlenGrpDef.Enabled());
+    EXPECT_TRUE(frm.cmdSaveGroup.Enabled() && frm.txtHlenGrpDef.Enabled());
     EXPECT_FALSE(frm.cmdDelGroup.Enabled());
-}
 
-TEST_F(MarkerListTest, AppendToAFullTableFailsAfterTheCountWentUp) {
-    AddMarkers(kMaxMarkers);
+    Start(std::string(kMaxMarkers, '.'));  // a full table fails after the count went up
     EXPECT_EQ(ErrorOf([&] { frm.AppendMarker(1, 1, 1, 1, 1, 1, 1, 1); }), kSubscriptOutOfRange);
     EXPECT_EQ(frm.store.MarkerCount, 51);
     EXPECT_EQ(frm.lstMarkers.ListCount(), 50);
 }
 
 TEST_F(MarkerListTest, AddMarkerSelectsOnlyTheNewOneAndShowsIt) {
-    AddMarkers(2);
-    Select("XX");
+    Start("XX");
     frm.lblMsg.SetCaption("Click to place the marker");
     frm.AddMarker(700, 80, kBlank, kBlank, kBlank, kBlank, kBlank, kBlank);
-    EXPECT_EQ(Selection(), "..X");
+    EXPECT_EQ(Table(), "100,200,700,|1,2,3,|..X");
     EXPECT_EQ(frm.lstMarkers.ListIndex(), 2);
     EXPECT_EQ(frm.txtHpos.Text(), "700");  // the click filled the fields
     EXPECT_EQ(overlay.calls.back(), "ShowMarker 3");
     EXPECT_EQ(frm.lblMsg.Caption(), "");
     EXPECT_TRUE(frm.Dirty);
+    int clicks = 0;  // the menu entry runs the button
+    frm.cmdAddMarker.Click.Connect([&] { ++clicks; });
+    frm.mnuAddMarker.PerformClick();
+    EXPECT_EQ(clicks, 1);
 }
 
 // One pass that advances after a removal: of adjacent selected items every
-// other one goes.
+// other one goes, and the rest stay selected.
 TEST_F(MarkerListTest, DeleteWalksOncePastEachRemoval) {
-    struct Case {
-        std::string selected;
-        std::vector<int> left;
-        std::string stillSelected;
-    };
-    const Case cases[] = {
-        {"XXX.", {200, 400}, "X."},  {"XXXX", {200, 400}, "XX"}, {"...X", {100, 200, 300}, "..."},
-        {"X.X.", {200, 400}, ".."},  {".XX.", {100, 300, 400}, ".X."}, {"XX", {200}, "X"},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.selected);
-        frm.lstMarkers.Clear();
-        frm.store.MarkerCount = 0;
-        AddMarkers(static_cast<int>(c.selected.size()));
-        Select(c.selected);
-        frm.Dirty = false;
+    const std::pair<std::string, std::string> cases[] = {
+        {"XXX.", "200,400,|1,2,|X."}, {"XXXX", "200,400,|1,2,|XX"}, {"...X", "100,200,300,|1,2,3,|..."},
+        {"X.X.", "200,400,|1,2,|.."}, {".XX.", "100,300,400,|1,2,3,|.X."}, {"XX", "200,|1,|X"}, {"X", "||"}};
+    for (const auto& [selected, after] : cases) {
+        Start(selected);
         frm.cmdDelMarker.PerformClick();
-        EXPECT_EQ(Hposes(), c.left);
-        EXPECT_EQ(Selection(), c.stillSelected);
-        std::vector<std::string> numbers;
-        for (std::size_t k = 1; k <= c.left.size(); ++k) numbers.push_back(std::to_string(k));
-        EXPECT_EQ(Items(), numbers);
+        EXPECT_EQ(Table(), after) << selected;
         EXPECT_TRUE(frm.Dirty);
-        EXPECT_TRUE(overlay.calls.empty());  // stopped: no windows to destroy
+        EXPECT_TRUE(overlay.calls.empty());          // stopped: no windows to destroy
+        EXPECT_TRUE(frm.cmdSaveGroup.Enabled());     // the group row stays open, even with no marker left
     }
 }
 
 TEST_F(MarkerListTest, DeleteLeavesNothingSelectedInTheFormAndTheFocusOnAdd) {
-    AddMarkers(3);
+    Start("...");
     frm.lstMarkers.ClickItem(1);
-    ASSERT_TRUE(frm.txtHpos.Enabled());
     frm.mnuDelMarker.PerformClick();
-    EXPECT_EQ(Hposes(), (std::vector<int>{100, 300}));
+    EXPECT_EQ(Table(), "100,300,|1,2,|..");
     EXPECT_EQ(frm.txtHpos.Text(), "");
     EXPECT_EQ(frm.ActiveControl(), &frm.cmdAddMarker);
     for (const form::Control* c : std::initializer_list<const form::Control*>{
@@ -120,112 +102,67 @@ TEST_F(MarkerListTest, DeleteLeavesNothingSelectedInTheFormAndTheFocusOnAdd) {
         EXPECT_FALSE(c->Enabled()) << c->Name();
 }
 
-TEST_F(MarkerListTest, DeletingTheLastMarkerKeepsTheGroupRowOpen) {
-    AddMarkers(1);
-    Select("X");
-    frm.cmdDelMarker.PerformClick();
-    EXPECT_EQ(frm.store.MarkerCount, 0);
-    EXPECT_EQ(frm.lstMarkers.ListCount(), 0);
-    EXPECT_TRUE(frm.cmdSaveGroup.Enabled());
-    EXPECT_TRUE(frm.txtGroupNotes.Enabled());
-}
-
 TEST_F(MarkerListTest, DeleteWhileShowingDestroysOnlyTheDeletedWindowsAndTheRestTravel) {
-    AddMarkers(4);
-    for (int r = 1; r <= 4; ++r) {
-        frm.store.Markers(r, HwndH) = 10 + r;
-        frm.store.Markers(r, HwndV) = 20 + r;
-        frm.store.Markers(r, PaintedEffective) = 30 + r;
-    }
+    Start("XXX.");
+    for (int r = 1; r <= 4; ++r)
+        for (int c : {HwndH, HwndV, PaintedEffective}) frm.store.Markers(r, c) = 10 * c + r;
     frm.Showing = true;
-    Select("XXX.");
-    overlay.calls.clear();
     frm.cmdDelMarker.PerformClick();
     // the third marker had moved up to row 2 when its turn came
-    EXPECT_EQ(overlay.calls, (std::vector<std::string>{"DestroyMarkerWindows 1", "DestroyMarkerWindows 2"}));
-    EXPECT_EQ(frm.store.Markers(1, HwndH), 12);
-    EXPECT_EQ(frm.store.Markers(2, HwndV), 24);
-    EXPECT_EQ(frm.store.Markers(2, PaintedEffective), 34);
+    EXPECT_EQ(overlay.calls, (Calls{"DestroyMarkerWindows 1", "DestroyMarkerWindows 2"}));
+    EXPECT_EQ((std::vector<int>{frm.store.Markers(1, HwndH), frm.store.Markers(2, HwndV), frm.store.Markers(2, PaintedEffective)}),
+              (std::vector<int>{10 * HwndH + 2, 10 * HwndV + 4, 10 * PaintedEffective + 4}));
 }
 
-TEST_F(MarkerListTest, DuplicatePromptAsksAgainUntilAnOffsetWithinNinetyNine) {
-    AddMarkers(1);
-    Select("X");
-    AnswerDuplicate({"abc", "150", "99999", "  -99  "});
-    std::vector<std::string> proposals;
-    for (const fakes::Question& q : dialogs.asked) proposals.push_back(q.proposal);
-    EXPECT_EQ(proposals, (std::vector<std::string>{"5", "5", "150", "150"}));
+// The prompt asks again, keeping the last proposal for a text that is no
+// 16-bit number, until an offset within 99 or a blank (cancel) comes.
+TEST_F(MarkerListTest, DuplicatePromptAsksUntilAnOffsetWithinNinetyNine) {
+    struct Case { std::vector<std::string> answers; const char* proposals; const char* after; };
+    const Case cases[] = {{{"abc", "150", "99999", "  -99  "}, "5,5,150,150,", "100,1,|1,2,|.X"},
+                          {{"99"}, "5,", "100,199,|1,2,|.X"},
+                          {{"0"}, "5,", "100,100,|1,2,|.X"},
+                          {{"   "}, "5,", "100,|1,|X"}};
+    for (const Case& c : cases) {
+        Start("X");
+        dialogs.asked.clear();
+        Duplicate(c.answers);
+        std::string proposals;
+        for (const fakes::Question& q : dialogs.asked) proposals += q.proposal + ",";
+        EXPECT_EQ(proposals, c.proposals);
+        EXPECT_EQ(Table(), c.after) << c.answers.back();
+        EXPECT_EQ(frm.Dirty, c.answers.back() != "   ");
+    }
+    EXPECT_EQ(overlay.calls, Calls{"ShowAllMarkers"});  // a cancel after the first show
+    Duplicate({"-99"});
+    EXPECT_EQ(frm.store.Markers(2, Vpos), -49);  // no lower bound
     const fakes::Question& q = dialogs.asked.back();
     EXPECT_EQ(q.prompt,
               "Note: if markers are duplicated exactly, you won't see them on top of each other, and flashing "
               "will apear to stop. To help, its is recommended you offset the new markers by a small amount.");
     EXPECT_EQ(q.title, "Ostrivane");
     EXPECT_FALSE(q.position.has_value());
-    EXPECT_EQ(Hposes(), (std::vector<int>{100, 1}));
-    EXPECT_EQ(frm.store.Markers(2, Vpos), -49);  // no lower bound
-}
-
-TEST_F(MarkerListTest, DuplicateTakesTheLimitsAndZero) {
-    for (const char* answer : {"99", "-99", "0"}) {
-        SCOPED_TRACE(answer);
-        frm.lstMarkers.Clear();
-        frm.store.MarkerCount = 0;
-        AddMarkers(1);
-        Select("X");
-        AnswerDuplicate({answer});
-        ASSERT_EQ(frm.store.MarkerCount, 2);
-        EXPECT_EQ(frm.store.Markers(2, Hpos), 100 + std::stoi(answer));
-        EXPECT_EQ(frm.store.Markers(2, Vpos), 50 + std::stoi(answer));
-    }
-}
-
-TEST_F(MarkerListTest, DuplicateCancelledChangesNothing) {
-    AddMarkers(1);
-    Select("X");
-    overlay.calls.clear();
-    AnswerDuplicate({"   "});
-    EXPECT_EQ(frm.store.MarkerCount, 1);
-    EXPECT_EQ(Selection(), "X");
-    EXPECT_FALSE(frm.Dirty);
-    EXPECT_EQ(overlay.calls, std::vector<std::string>{"ShowAllMarkers"});
 }
 
 TEST_F(MarkerListTest, DuplicateCopiesSentinelsAndEndsWithTheCopiesSelected) {
-    AddMarkers(3);
+    Start("X.X");
     frm.store.Markers(1, Hlen) = kWholeScreen;
     frm.store.Markers(3, Dotted) = 2;
     frm.store.Markers(3, Colour) = kBlank;
-    Select("X.X");
     frm.lblMsg.SetCaption("x");
-    overlay.calls.clear();
-    AnswerDuplicate({"5"});
-    EXPECT_EQ(Hposes(), (std::vector<int>{100, 200, 300, 105, 305}));
-    EXPECT_EQ(Items(), (std::vector<std::string>{"1", "2", "3", "4", "5"}));
-    EXPECT_EQ(frm.store.Markers(4, Hlen), kWholeScreen);
-    EXPECT_EQ(frm.store.Markers(4, Vlen), kBlank);
-    EXPECT_EQ(frm.store.Markers(5, Colour), kBlank);
-    EXPECT_EQ(frm.store.Markers(5, Dotted), 2);
-    EXPECT_EQ(Selection(), "...XX");
-    EXPECT_EQ(overlay.calls, (std::vector<std::string>{"ShowAllMarkers", "ShowAllMarkers"}));
+    Duplicate({"5"});
+    EXPECT_EQ(Table(), "100,200,300,105,305,|1,2,3,4,5,|...XX");
+    EXPECT_EQ((std::vector<int>{frm.store.Markers(4, Hlen), frm.store.Markers(4, Vlen), frm.store.Markers(5, Colour),
+                                frm.store.Markers(5, Dotted)}),
+              (std::vector<int>{kWholeScreen, kBlank, kBlank, 2}));
+    EXPECT_EQ(overlay.calls, (Calls{"ShowAllMarkers", "ShowAllMarkers"}));
     EXPECT_EQ(frm.lblMsg.Caption(), "");
     EXPECT_TRUE(frm.Dirty);
-}
 
-TEST_F(MarkerListTest, DuplicateIntoAFullTableKeepsWhatWasCopied) {
-    AddMarkers(49);
-    Select("XXX");
-    EXPECT_EQ(ErrorOf([&] { AnswerDuplicate({"1"}); }), kSubscriptOutOfRange);
-    EXPECT_EQ(frm.lstMarkers.ListCount(), 50);
+    Start("XXX" + std::string(46, '.'));  // into a full table: what was copied stays
+    EXPECT_EQ(ErrorOf([&] { Duplicate({"1"}); }), kSubscriptOutOfRange);
     EXPECT_EQ(frm.store.Markers(50, Hpos), 101);
-    EXPECT_EQ(Selection().substr(0, 3), ".XX");
-    EXPECT_TRUE(frm.lstMarkers.Selected(49));
-}
-
-TEST_F(MarkerListTest, AddMarkerMenuRunsTheButton) {
-    int clicks = 0;
-    frm.cmdAddMarker.Click.Connect([&] { ++clicks; });
-    frm.mnuAddMarker.PerformClick();
-    EXPECT_EQ(clicks, 1);
+    frm.store.MarkerCount = kMaxMarkers;  // it went up to 51 before the table refused the row
+    EXPECT_EQ(Table().substr(Table().rfind('|') - 3), "50,|.XX" + std::string(46, '.') + "X");
 }
 
 }  // namespace

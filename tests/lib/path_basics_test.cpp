@@ -19,9 +19,8 @@ TEST(PathBasics, JoinPathPutsOneSeparatorBetween) {
     const Row rows[] = {
         {"C:\\D\\", "\\f", false, "C:\\D\\f"}, {"C:\\D\\", "f", false, "C:\\D\\f"}, {"C:\\D", "\\f", false, "C:\\D\\f"},
         {"C:\\D", "f", false, "C:\\D\\f"},     {"", "f", false, "f"},               {"C:\\D", "", false, "C:\\D"},
-        {"\\", "\\", false, "\\"},             {"/a/", "/b", true, "/a/b"},         {"/a", "b", true, "/a/b"},
-        {"", "/b", true, "/b"},                {"/a/", "b", false, "/a/\\b"},       {"a\\", "\\b", true, "a\\/\\b"},
-    };
+        {"\\", "\\", false, "\\"},             {"/a/", "/b", true, "/a/b"},         {"/a/", "b", false, "/a/\\b"},
+        {"a\\", "\\b", true, "a\\/\\b"}};
     for (const Row& row : rows)
         EXPECT_EQ(lib_JoinPath(row.dir, row.file, row.forward), row.joined) << row.dir << " + " << row.file;
 }
@@ -32,11 +31,8 @@ TEST(PathBasics, GetFolderGivesTheDirectoryPart) {
         {"C:\\Data\\Ostrivane\\f.ini", true, false, "C:\\Data\\Ostrivane"},
         {"C:\\Data\\Ostrivane\\f.ini", false, false, "\\Data\\Ostrivane"},
         {"C:\\f.ini", true, false, "C:"},  {"C:\\f.ini", false, false, ""},  {"C:f.ini", true, false, "C:"},
-        {"f.ini", true, false, ""},        {"  \"C:\\D\\f.ini\"  ", true, false, "C:\\D"},
-        {"/home/u/.config/Ostrivane/settings.ini", false, true, "/home/u/.config/Ostrivane"},
-        {"/f.ini", true, true, ""},        {"x:/a:b/c", false, true, "/a:b"},
-        {"C:\\D\\f.ini", true, true, "C:"},  // the other separator is plain text
-    };
+        {"f.ini", true, false, ""},        {"  \"C:\\D\\f.ini\"  ", true, false, "C:\\D"}, {"/f.ini", true, true, ""},
+        {"x:/a:b/c", false, true, "/a:b"}, {"C:\\D\\f.ini", true, true, "C:"}};  // the other separator is plain text
     for (const Row& row : rows)
         EXPECT_EQ(lib_GetFolder(row.path, row.drive, row.forward), row.folder) << row.path << row.drive << row.forward;
 }
@@ -69,24 +65,15 @@ TEST(PathBasics, DirExistsOnlyForDirectoriesAgainstTheCurrentOne) {
     fs::create_directory(dir.path() / "sub");
     std::ofstream(dir.path() / "file") << "x";
     const ScopedCurrentDir cwd(dir.path());
-    EXPECT_FALSE(lib_DirExists(""));
-    EXPECT_TRUE(lib_DirExists(dir.file("sub")));
-    EXPECT_TRUE(lib_DirExists("./sub/"));
-    EXPECT_FALSE(lib_DirExists("file"));
-    EXPECT_FALSE(lib_DirExists("none"));
+    EXPECT_TRUE(lib_DirExists(dir.file("sub")) && lib_DirExists("./sub/"));
+    EXPECT_FALSE(lib_DirExists("") || lib_DirExists("file") || lib_DirExists("none"));
 }
 
-TEST(MakePath, MakesEveryMissingLevel) {
+TEST(MakePath, MakesEveryLevelButServerAndShare) {
     TempDir dir;
-    EXPECT_TRUE(lib_MakePath(dir.file("a/b/c")));
-    EXPECT_TRUE(fs::is_directory(dir.path() / "a/b/c"));
     // Quotes and blanks around, doubled and trailing separators, a blank inside a name.
     EXPECT_TRUE(lib_MakePath("  \"" + dir.path().string() + "//x y//z/\"  "));
     EXPECT_TRUE(fs::is_directory(dir.path() / "x y" / "z"));
-}
-
-TEST(MakePath, DoubleSlashTakesServerAndShareAsTheyAre) {
-    TempDir dir;
     // "//tmp/ostrivane-test-.../n1": server and share are there, n1 is made.
     EXPECT_TRUE(lib_MakePath("/" + dir.path().string() + "/n1"));
     EXPECT_TRUE(fs::is_directory(dir.path() / "n1"));

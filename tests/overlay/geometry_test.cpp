@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "support/run_time_error.hpp"
-
+#include <functional>
 #include <ostream>
 
 #include "lib/errors.hpp"
 #include "overlay/geometry.hpp"
+#include "support/run_time_error.hpp"
 
 namespace ostrivane {
 
@@ -15,13 +15,11 @@ static std::ostream& operator<<(std::ostream& os, const LineRect& r) {
 
 namespace {
 
-
 constexpr std::int16_t S = kWholeScreenLength;
 
 TEST(GeometryMarkerLines, Rows) {
     struct Row { std::int32_t hpos, vpos; std::int16_t hlen, vlen, thick, sl, st, sw; LineRect h, v; };
     const Row rows[] = {
-        {100, 200, 21, 21, 1, 0, 0, 1920, {90, 200, 21, 1}, {100, 190, 1, 21}},
         {100, 200, 20, 20, 3, 0, 0, 1920, {89, 199, 20, 3}, {99, 189, 3, 20}},
         {100, 200, 21, 21, 3, 0, 0, 1920, {88, 199, 21, 3}, {99, 188, 3, 21}},
         {100, 200, S, S, 1, 0, 0, 1920, {0, 200, 1920, 1}, {100, 0, 1, 1920}},
@@ -51,24 +49,10 @@ TEST(GeometryMarkerLines, Rows) {
     }
 }
 
-TEST(GeometryMarkerLines, OverflowsWhereTheArithmeticLeavesItsWidth) {
-    EXPECT_EQ(ErrorOf([] { MarkerLines(40000, 0, 10, 10, 1, 0, 0, 1920); }), kOverflow);
-    // rounding comes before the clamp, so a start far left of the screen fails too
-    EXPECT_EQ(ErrorOf([] { MarkerLines(0, -40000, 10, 10, 1, 0, 0, 1920); }), kOverflow);
-    EXPECT_EQ(MarkerLines(32767, 0, 0, 0, 1, 0, 0, 1920).horizontal.left, 32767);
-    // 32767.5 ties to 32768
-    EXPECT_EQ(ErrorOf([] { MarkerLines(32768, 0, 1, 0, 1, 0, 0, 1920); }), kOverflow);
-    EXPECT_EQ(ErrorOf([] { MarkerLines(0, INT32_MIN, S, S, 3, 0, 0, 1920); }), kOverflow);
-    EXPECT_EQ(ErrorOf([] { MarkerLines(INT32_MIN, 0, S, S, 3, 0, 0, 1920); }), kOverflow);
-}
-
-TEST(GeometryAlpha, Table) {
-    const std::pair<std::int16_t, int> rows[] = {{0, 0},    {1, 3},    {2, 5},    {10, 26},   {25, 64},  {30, 76},
-                                                 {50, 128}, {70, 178}, {75, 191}, {90, 230}, {99, 252}, {100, 255}};
+TEST(GeometryAlpha, TableAndOverflowOutsideTheProductAndTheByte) {
+    const std::pair<std::int16_t, int> rows[] = {{0, 0}, {1, 3}, {2, 5}, {10, 26}, {30, 76}, {50, 128}, {70, 178},
+                                                 {90, 230}, {99, 252}, {100, 255}};
     for (const auto& [opacity, alpha] : rows) EXPECT_EQ(AlphaFromOpacity(opacity), alpha) << opacity;
-}
-
-TEST(GeometryAlpha, OverflowsOutsideTheProductAndTheByte) {
     // 129 * 255 leaves 16 bits; 101..128 fit the product but not the byte
     for (std::int16_t opacity : {129, 1000, -129, 128, 101, -1})
         EXPECT_EQ(ErrorOf([&] { AlphaFromOpacity(opacity); }), kOverflow) << opacity;
@@ -95,70 +79,55 @@ TEST(GeometryAddLineRects, Rows) {
     }
 }
 
-TEST(GeometryAddLineRects, Overflow) {
-    // the 32-bit width 32998 of arm 1 does not fit its field; the others do
-    EXPECT_EQ(ErrorOf([] { AddLineRects(33000, 0, 1, 0, 0, 1920, 1080); }), kOverflow);
-    EXPECT_EQ(ErrorOf([] { AddLineRects(0, -40000, 1, 0, 0, 1920, 1080); }), kOverflow);
-    EXPECT_EQ(ErrorOf([] { AddLineRects(0, 0, 16384, 0, 0, 1920, 1080); }), kOverflow);  // the gap 2 * T
-    EXPECT_EQ(ErrorOf([] { AddLineRects(0, INT32_MAX, 1, 0, 1, 1920, 1080); }), kOverflow);
-}
-
 TEST(GeometryHitTest, Rows) {
-    struct Row { std::int32_t x, y, hpos, vpos; std::int16_t hlen, vlen, thick, prox, sl, st, sw; std::int16_t hit; };
-    // Marker at (500, 400), lengths 101: l 450, t 350, l + h 551, l + w 551.
+    struct Point { std::int32_t x, y; std::int16_t hit; };
+    struct Row { std::int32_t hpos, vpos; std::int16_t hlen, vlen, thick, prox, sl, st, sw; std::vector<Point> points; };
+    constexpr std::int16_t V = kHitVertical, H = kHitHorizontal, N = kHitNone;
     const Row rows[] = {
-        {500, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // crossing point
-        {497, 350, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // inclusive corners
-        {503, 551, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitVertical},  // bottom limit l + h, past the line
-        {500, 552, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
-        {500, 349, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
-        {496, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
-        {450, 403, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
-        {551, 397, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitHorizontal},
-        {449, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
-        {552, 400, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
-        {470, 404, 500, 400, 101, 101, 1, 3, 0, 0, 1920, kHitNone},
+        // l 450, t 350, l + h 551, l + w 551: the crossing, inclusive corners, the bottom limit l + h past the line
+        {500, 400, 101, 101, 1, 3, 0, 0, 1920, {{500, 400, V}, {497, 350, V}, {503, 551, V}, {500, 552, N}, {500, 349, N},
+                                                {496, 400, H}, {450, 403, H}, {551, 397, H}, {449, 400, N}, {552, 400, N},
+                                                {470, 404, N}}},
         // proximity 0, thickness 1: only the exact column or row
-        {500, 420, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitVertical},
-        {501, 420, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitNone},
-        {470, 400, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitHorizontal},
-        {470, 401, 500, 400, 101, 101, 1, 0, 0, 0, 1920, kHitNone},
+        {500, 400, 101, 101, 1, 0, 0, 0, 1920, {{500, 420, V}, {501, 420, N}, {470, 400, H}, {470, 401, N}}},
         // half thickness 4 beats proximity 2; proximity 5 beats half thickness 1
-        {504, 420, 500, 400, 101, 101, 9, 2, 0, 0, 1920, kHitVertical},
-        {505, 420, 500, 400, 101, 101, 9, 2, 0, 0, 1920, kHitNone},
-        {505, 420, 500, 400, 101, 101, 3, 5, 0, 0, 1920, kHitVertical},
-        {506, 420, 500, 400, 101, 101, 3, 5, 0, 0, 1920, kHitNone},
+        {500, 400, 101, 101, 9, 2, 0, 0, 1920, {{504, 420, V}, {505, 420, N}}},
+        {500, 400, 101, 101, 3, 5, 0, 0, 1920, {{505, 420, V}, {506, 420, N}}},
         // near the left edge l is clamped to 0, so l + h = 100 lies above t = 550:
         // the vertical line cannot be grabbed and the crossing goes to the horizontal
-        {10, 600, 10, 600, 200, 100, 1, 2, 0, 0, 1920, kHitHorizontal},
-        {10, 560, 10, 600, 200, 100, 1, 2, 0, 0, 1920, kHitNone},
+        {10, 600, 200, 100, 1, 2, 0, 0, 1920, {{10, 600, H}, {10, 560, N}}},
         // near the right edge the band reaches far below the line's end at 150
-        {1800, 1800, 1800, 100, 200, 100, 1, 2, 0, 0, 1920, kHitVertical},
-        {1800, 1801, 1800, 100, 200, 100, 1, 2, 0, 0, 1920, kHitNone},
+        {1800, 100, 200, 100, 1, 2, 0, 0, 1920, {{1800, 1800, V}, {1800, 1801, N}}},
         // Hlen 0: a horizontal target one pixel wide at l (the vertical misses, l + h = 30)
-        {20, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitHorizontal},
-        {21, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitNone},
-        {19, 400, 20, 400, 0, 10, 1, 0, 0, 0, 1920, kHitNone},
+        {20, 400, 0, 10, 1, 0, 0, 0, 1920, {{20, 400, H}, {21, 400, N}, {19, 400, N}}},
         // "S" on a shifted virtual screen: l -1280, l + h = 1920
-        {0, 1920, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitVertical},
-        {0, 1921, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitNone},
-        {-1280, 1, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitHorizontal},
-        {-1281, 1, 0, 0, S, S, 1, 1, -1280, -300, 3200, kHitNone},
+        {0, 0, S, S, 1, 1, -1280, -300, 3200, {{0, 1920, V}, {0, 1921, N}, {-1280, 1, H}, {-1281, 1, N}}},
     };
     for (const Row& r : rows)
-        EXPECT_EQ(HitTestMarker(r.x, r.y, r.hpos, r.vpos, r.hlen, r.vlen, r.thick, r.prox, r.sl, r.st, r.sw), r.hit)
-            << "point " << r.x << ',' << r.y << " marker " << r.hpos << ',' << r.vpos;
+        for (const Point& p : r.points)
+            EXPECT_EQ(HitTestMarker(p.x, p.y, r.hpos, r.vpos, r.hlen, r.vlen, r.thick, r.prox, r.sl, r.st, r.sw), p.hit)
+                << "point " << p.x << ',' << p.y << " marker " << r.hpos << ',' << r.vpos;
 }
 
-TEST(GeometryHitTest, SixteenBitSums) {
-    // l 29995 + h 5000 overflows even for a point far from the marker
-    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 30000, 100, 10, 5000, 1, 3, 0, 0, 1920); }), kOverflow);
-    // l 27000 + w 6000 overflows once the vertical test has missed...
-    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920); }), kOverflow);
-    // ...and is never reached when the vertical line is hit
-    EXPECT_EQ(HitTestMarker(30000, 100, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920), kHitVertical);
-    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, 40000, 100, 10, 10, 1, 3, 0, 0, 1920); }), kOverflow);
-    EXPECT_EQ(ErrorOf([] { HitTestMarker(0, 0, INT32_MAX, 0, S, S, 1, 3, 0, 0, 1920); }), kOverflow);
+// Each 16-bit step overflows where its value leaves the width, whatever the point.
+TEST(Geometry, SixteenBitOverflows) {
+    const std::function<void()> overflows[] = {
+        [] { MarkerLines(40000, 0, 10, 10, 1, 0, 0, 1920); },
+        [] { MarkerLines(0, -40000, 10, 10, 1, 0, 0, 1920); },  // rounding comes before the clamp
+        [] { MarkerLines(32768, 0, 1, 0, 1, 0, 0, 1920); },     // 32767.5 ties to 32768
+        [] { MarkerLines(0, INT32_MIN, S, S, 3, 0, 0, 1920); },
+        [] { MarkerLines(INT32_MIN, 0, S, S, 3, 0, 0, 1920); },
+        [] { AddLineRects(33000, 0, 1, 0, 0, 1920, 1080); },  // the 32-bit width of arm 1 does not fit its field
+        [] { AddLineRects(0, -40000, 1, 0, 0, 1920, 1080); },
+        [] { AddLineRects(0, 0, 16384, 0, 0, 1920, 1080); },  // the gap 2 * T
+        [] { AddLineRects(0, INT32_MAX, 1, 0, 1, 1920, 1080); },
+        [] { HitTestMarker(0, 0, 30000, 100, 10, 5000, 1, 3, 0, 0, 1920); },  // l + h
+        [] { HitTestMarker(0, 0, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920); },  // l + w, once the vertical missed
+        [] { HitTestMarker(0, 0, 40000, 100, 10, 10, 1, 3, 0, 0, 1920); },
+        [] { HitTestMarker(0, 0, INT32_MAX, 0, S, S, 1, 3, 0, 0, 1920); }};
+    for (std::size_t i = 0; i < std::size(overflows); ++i) EXPECT_EQ(ErrorOf(overflows[i]), kOverflow) << "row " << i;
+    EXPECT_EQ(MarkerLines(32767, 0, 0, 0, 1, 0, 0, 1920).horizontal.left, 32767);
+    EXPECT_EQ(HitTestMarker(30000, 100, 30000, 100, 6000, 100, 1, 3, 0, 0, 1920), kHitVertical);  // l + w not reached
 }
 
 }  // namespace

@@ -2,10 +2,9 @@
 
 #include "support/run_time_error.hpp"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "fakes/memory_setting_store.hpp"
 #include "lib/errors.hpp"
@@ -13,6 +12,7 @@
 #include "lib/profile.hpp"
 #include "store/data_file.hpp"
 #include "store/ini_setting_store.hpp"
+#include "support/scoped_env.hpp"
 #include "support/temp_dir.hpp"
 
 namespace ostrivane {
@@ -20,16 +20,8 @@ namespace {
 
 std::string ReadAll(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
-
-void WriteAll(const std::string& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    out << text;
-}
-
 
 class DataFileTest : public ::testing::Test {
 protected:
@@ -39,9 +31,8 @@ protected:
         screen.ScreenHeight = 1080;
     }
     std::string NewDataFile(const std::string& contents) {
-        const std::string path = dir.file("given.ini");
-        WriteAll(path, contents);
-        return path;
+        std::ofstream(dir.file("given.ini"), std::ios::binary) << contents;
+        return dir.file("given.ini");
     }
 
     TempDir dir;
@@ -52,19 +43,8 @@ protected:
 
 TEST_F(DataFileTest, PathIsDataDirAndExecutableName) {
     EXPECT_EQ(DataFilePath(settings), dir.file("data/nested/Ostrivane") + "/ostrivane.ini");
-    fakes::MemorySettingStore empty;
-    EXPECT_EQ(DataDirSetting(empty), DefaultDataDir());
-}
-
-TEST_F(DataFileTest, DefaultDataDirFollowsXdgDataHome) {
-    const char* old = std::getenv("XDG_DATA_HOME");
-    const std::string saved = old ? old : "";
-    setenv("XDG_DATA_HOME", "/tmp/xdg-data-test", 1);
-    EXPECT_EQ(DefaultDataDir(), "/tmp/xdg-data-test/Ostrivane");
-    if (old)
-        setenv("XDG_DATA_HOME", saved.c_str(), 1);
-    else
-        unsetenv("XDG_DATA_HOME");
+    const ScopedEnv data("XDG_DATA_HOME", "/tmp/xdg-data-test");
+    EXPECT_EQ(DataDirSetting(fakes::MemorySettingStore()), "/tmp/xdg-data-test/Ostrivane");
 }
 
 TEST_F(DataFileTest, FirstRunCreatesDirectoryAndKeysInOrder) {
@@ -90,50 +70,37 @@ TEST_F(DataFileTest, ScreenResWaitsForKnownMetrics) {
     EXPECT_EQ(lib_ProfileGetString("Defaults", "PC", "", file), "box");
 }
 
-TEST_F(DataFileTest, FormatZeroLeavesDottedAndIgnoresTheEighthValue) {
-    const std::string file = NewDataFile("[Defaults]\nDefaults=0,0,40,50,65280,3,60,1,\nScreenRes=1x1\nPC=x\n");
-    defaults[Dotted] = 7;  // an earlier value survives a reload
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(defaults[Hlen], 40);
-    EXPECT_EQ(defaults[Vlen], 50);
-    EXPECT_EQ(defaults[Colour], 65280);
-    EXPECT_EQ(defaults[Thickness], 3);
-    EXPECT_EQ(defaults[Opacity], 60);
-    EXPECT_EQ(defaults[HwndH], 0);
-    EXPECT_EQ(defaults[Dotted], 7);
-}
-
-TEST_F(DataFileTest, FormatOneReadsDottedFromThePartSeven) {
-    const std::string file =
-        NewDataFile("[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,-2,30,255,5,90,1,\r\nScreenRes=1x1\r\nPC=x\r\n");
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(defaults[Vlen], 30);
-    EXPECT_EQ(defaults[Thickness], 5);
-    EXPECT_EQ(defaults[Opacity], 90);
-    EXPECT_EQ(defaults[HwndH], 1);  // part 7 also lands one column above its index
-    EXPECT_EQ(defaults[Dotted], 1);
-}
-
-TEST_F(DataFileTest, OtherFormatsReadNothing) {
-    const std::string file = NewDataFile("[Defaults]\r\nDataFormat=2\r\nDefaults=garbage\r\nScreenRes=1x1\r\nPC=x\r\n");
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(defaults.cells(), BuiltInGlobalDefaults().cells());
+// Format 0 leaves Dotted as it was; format 1 puts part 7 in Dotted and, one
+// column above its index, in HwndH too; other formats read nothing.
+TEST_F(DataFileTest, DefaultsLineByFormat) {
+    struct Row { const char* format; const char* line; std::vector<std::int32_t> cells; };
+    const Row rows[] = {{"", "0,0,40,50,65280,3,60,1,", {40, 50, 65280, 3, 60, 0, 7}},
+                        {"DataFormat=1\r\n", "0,0,-2,30,255,5,90,1,", {-2, 30, 255, 5, 90, 1, 1}},
+                        {"DataFormat=2\r\n", "garbage", {-2, -2, 255, 1, 100, 0, 7}}};
+    for (const Row& r : rows) {
+        MarkerRow d = BuiltInGlobalDefaults();
+        d[Dotted] = 7;
+        const std::string file = NewDataFile("[Defaults]\r\n" + std::string(r.format) + "Defaults=" + r.line + "\r\nPC=x\r\n");
+        LoadGlobalDefaults(d, file, screen, true);
+        EXPECT_EQ((std::vector<std::int32_t>{d[Hlen], d[Vlen], d[Colour], d[Thickness], d[Opacity], d[HwndH], d[Dotted]}),
+                  r.cells) << r.line;
+    }
 }
 
 TEST_F(DataFileTest, BadDefaultsLinesRaiseWithPartialAssignments) {
     struct Row { const char* contents; int error; std::int32_t hlenAfter; };
     const Row rows[] = {
-        {"[Defaults]\r\nDefaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40},
-        {"[Defaults]\r\nDefaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41},
-        {"[Defaults]\r\nDefaults=0,0,45,50,\r\n", kTypeMismatch, 45},  // the empty last part is read too
-        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42},
-        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43},
-        {"[Defaults]\r\nDataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2},
-        {"[Defaults]\r\nDefaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2},
+        {"Defaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40},
+        {"Defaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41},
+        {"Defaults=0,0,45,50,\r\n", kTypeMismatch, 45},  // the empty last part is read too
+        {"DataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42},
+        {"DataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43},
+        {"DataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2},
+        {"Defaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2},
     };
     for (const Row& r : rows) {
         MarkerRow d = BuiltInGlobalDefaults();
-        const std::string file = NewDataFile(r.contents);
+        const std::string file = NewDataFile("[Defaults]\r\n" + std::string(r.contents));
         EXPECT_EQ(ErrorOf([&] { LoadGlobalDefaults(d, file, screen, true); }), r.error) << r.contents;
         EXPECT_EQ(d[Hlen], r.hlenAfter) << r.contents;
     }
@@ -142,13 +109,9 @@ TEST_F(DataFileTest, BadDefaultsLinesRaiseWithPartialAssignments) {
 TEST(GroupSection, BuildsTheDocumentedLines) {
     MarkerTable t;
     for (int c : {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) t(0, c) = -1;
-    const std::int32_t one[] = {400, 300, -2, -2, 65280, 3, 60, 0};
-    const std::int32_t two[] = {100, 100, 50, 50, -1, -1, -1, -1};
+    const std::int32_t rows[2][8] = {{400, 300, -2, -2, 65280, 3, 60, 0}, {100, 100, 50, 50, -1, -1, -1, -1}};
     const int cols[] = {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
-    for (int i = 0; i < 8; ++i) {
-        t(1, cols[i]) = one[i];
-        t(2, cols[i]) = two[i];
-    }
+    for (int i = 0; i < 8; ++i) t(1, cols[i]) = rows[0][i], t(2, cols[i]) = rows[1][i];
     t(1, HwndH) = 12345;  // run-time columns never reach the file
     t(3, Hpos) = 777;     // a stale row beyond the list count
     using namespace std::string_literals;
@@ -161,10 +124,8 @@ TEST(GroupSection, BuildsTheDocumentedLines) {
 }
 
 TEST(GroupSection, NotesLineBreaks) {
-    EXPECT_EQ(NotesToFileText("a\r\nb\r\n"), "a\xff" "b\xff");
-    EXPECT_EQ(NotesToFileText("lone\ncr\r"), "lone\ncr\r");
+    EXPECT_EQ(NotesToFileText("a\r\nb\r\n\r\rlone\ncr\r"), "a\xff" "b\xff\r\rlone\ncr\r");
     EXPECT_EQ(FileTextToNotes("a\xff" "b"), "a\r\nb");
-    EXPECT_EQ(FileTextToNotes(NotesToFileText("x\r\ny")), "x\r\ny");
 }
 
 TEST_F(DataFileTest, SaveReplacesTheSectionAndDefaultsToTheDataFile) {
