@@ -53,36 +53,36 @@ enum MsgBoxAnswer : int { kAnswerOk = 1, kAnswerCancel = 2, kAnswerAbort = 3, kA
                           kAnswerYes = 6, kAnswerNo = 7 };
 enum class MsgBoxIcon { None, Critical, Question, Exclamation, Information };
 
-struct MsgBoxSpec {
+struct MsgBoxShape {
     std::vector<int> buttons;  // answers, left to right
     MsgBoxIcon icon = MsgBoxIcon::None;
     int defaultAnswer = kAnswerOk;
     int escapeAnswer = 0;  // 0: Esc and the close box do nothing
-    bool operator==(const MsgBoxSpec&) const = default;
+    bool operator==(const MsgBoxShape&) const = default;
 };
 
 // Flags as the system box reads them: the button set in the low three bits,
 // the icon in 16..64, the default button in 256 steps (first when out of reach).
-inline MsgBoxSpec MapMsgBoxFlags(int flags) {
-    MsgBoxSpec spec;
+inline MsgBoxShape MapMsgBoxFlags(int flags) {
+    MsgBoxShape shape;
     switch (flags & 7) {
-        case 1: spec.buttons = {kAnswerOk, kAnswerCancel}; spec.escapeAnswer = kAnswerCancel; break;
-        case 2: spec.buttons = {kAnswerAbort, kAnswerRetry, kAnswerIgnore}; break;
-        case 3: spec.buttons = {kAnswerYes, kAnswerNo, kAnswerCancel}; spec.escapeAnswer = kAnswerCancel; break;
-        case 4: spec.buttons = {kAnswerYes, kAnswerNo}; break;
-        case 5: spec.buttons = {kAnswerRetry, kAnswerCancel}; spec.escapeAnswer = kAnswerCancel; break;
-        default: spec.buttons = {kAnswerOk}; spec.escapeAnswer = kAnswerOk; break;
+        case 1: shape.buttons = {kAnswerOk, kAnswerCancel}; shape.escapeAnswer = kAnswerCancel; break;
+        case 2: shape.buttons = {kAnswerAbort, kAnswerRetry, kAnswerIgnore}; break;
+        case 3: shape.buttons = {kAnswerYes, kAnswerNo, kAnswerCancel}; shape.escapeAnswer = kAnswerCancel; break;
+        case 4: shape.buttons = {kAnswerYes, kAnswerNo}; break;
+        case 5: shape.buttons = {kAnswerRetry, kAnswerCancel}; shape.escapeAnswer = kAnswerCancel; break;
+        default: shape.buttons = {kAnswerOk}; shape.escapeAnswer = kAnswerOk; break;
     }
     switch (flags & 0x70) {
-        case 16: spec.icon = MsgBoxIcon::Critical; break;
-        case 32: spec.icon = MsgBoxIcon::Question; break;
-        case 48: spec.icon = MsgBoxIcon::Exclamation; break;
-        case 64: spec.icon = MsgBoxIcon::Information; break;
-        default: spec.icon = MsgBoxIcon::None; break;
+        case 16: shape.icon = MsgBoxIcon::Critical; break;
+        case 32: shape.icon = MsgBoxIcon::Question; break;
+        case 48: shape.icon = MsgBoxIcon::Exclamation; break;
+        case 64: shape.icon = MsgBoxIcon::Information; break;
+        default: shape.icon = MsgBoxIcon::None; break;
     }
     const auto which = static_cast<std::size_t>((flags >> 8) & 3);
-    spec.defaultAnswer = spec.buttons[which < spec.buttons.size() ? which : 0];
-    return spec;
+    shape.defaultAnswer = shape.buttons[which < shape.buttons.size() ? which : 0];
+    return shape;
 }
 
 // ---- Typing ---------------------------------------------------------------

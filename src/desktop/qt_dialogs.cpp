@@ -81,22 +81,22 @@ QMessageBox::Icon IconFor(MsgBoxIcon icon) {
 }  // namespace
 
 int QtDialogs::MsgBox(const std::string& prompt, int flags, const std::string& title) {
-    const MsgBoxSpec spec = MapMsgBoxFlags(flags);
+    const MsgBoxShape shape = MapMsgBoxFlags(flags);
     const GiveBackFocus front;
-    QMessageBox box(IconFor(spec.icon), TitleOrApp(title), Latin1(prompt), QMessageBox::NoButton, front.Window());
+    QMessageBox box(IconFor(shape.icon), TitleOrApp(title), Latin1(prompt), QMessageBox::NoButton, front.Window());
     box.setTextFormat(Qt::PlainText);
     std::map<QAbstractButton*, int> answers;
-    for (int answer : spec.buttons) {
+    for (int answer : shape.buttons) {
         QPushButton* button = box.addButton(ButtonFor(answer));
         answers[button] = answer;
-        if (answer == spec.defaultAnswer) box.setDefaultButton(button);
-        if (answer == spec.escapeAnswer) box.setEscapeButton(button);
+        if (answer == shape.defaultAnswer) box.setDefaultButton(button);
+        if (answer == shape.escapeAnswer) box.setEscapeButton(button);
     }
     NoEscape noEscape;
-    if (spec.escapeAnswer == 0) box.installEventFilter(&noEscape);
+    if (shape.escapeAnswer == 0) box.installEventFilter(&noEscape);
     box.exec();
     const auto it = answers.find(box.clickedButton());
-    return it != answers.end() ? it->second : spec.escapeAnswer != 0 ? spec.escapeAnswer : spec.defaultAnswer;
+    return it != answers.end() ? it->second : shape.escapeAnswer != 0 ? shape.escapeAnswer : shape.defaultAnswer;
 }
 
 std::string QtDialogs::InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,

@@ -54,7 +54,7 @@ TEST(DesktopColour, BackFromRgb) {
 TEST(DesktopMsgBox, FlagsGiveButtonsIconDefaultAndEscape) {
     struct Case {
         int flags;
-        MsgBoxSpec spec;
+        MsgBoxShape shape;
     };
     const Case cases[] = {
         {0, {{kAnswerOk}, MsgBoxIcon::None, kAnswerOk, kAnswerOk}},
@@ -74,7 +74,7 @@ TEST(DesktopMsgBox, FlagsGiveButtonsIconDefaultAndEscape) {
         {6, {{kAnswerOk}, MsgBoxIcon::None, kAnswerOk, kAnswerOk}},  // no such set: OK only
         {80, {{kAnswerOk}, MsgBoxIcon::None, kAnswerOk, kAnswerOk}},  // 16 + 64 is no icon
     };
-    for (const Case& c : cases) EXPECT_EQ(MapMsgBoxFlags(c.flags), c.spec) << c.flags;
+    for (const Case& c : cases) EXPECT_EQ(MapMsgBoxFlags(c.flags), c.shape) << c.flags;
 }
 
 TEST(DesktopMsgBox, AnswersAreTheSystemsNumbers) {
