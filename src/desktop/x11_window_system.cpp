@@ -1,4 +1,5 @@
 #include "desktop/x11_window_system.hpp"
+#include "desktop/xcb_basics.hpp"
 
 #include <xcb/xcb.h>
 
@@ -28,28 +29,6 @@ using Reply = std::unique_ptr<T, decltype(&std::free)>;
 template <class T>
 Reply<T> Take(T* reply) {
     return Reply<T>(reply, &std::free);
-}
-
-xcb_connection_t* QtConnection() {
-    auto* app = qGuiApp;
-    if (app == nullptr) return nullptr;
-    auto* x11 = app->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
-
-int DefaultScreenNumber() {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0) screen = 0;
-    std::free(host);
-    return screen;
-}
-
-xcb_atom_t Atom(xcb_connection_t* conn, const char* name) {
-    const auto cookie = xcb_intern_atom(conn, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const auto reply = Take(xcb_intern_atom_reply(conn, cookie, nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
 }
 
 xcb_window_t Id(WindowHandle window) { return static_cast<xcb_window_t>(window); }

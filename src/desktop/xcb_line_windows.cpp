@@ -1,4 +1,5 @@
 #include "desktop/xcb_line_windows.hpp"
+#include "desktop/xcb_basics.hpp"
 
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
@@ -23,22 +24,6 @@ namespace {
 // that a test or a window manager rule can tell the lines apart.
 constexpr char kWmClass[] = "marker\0Ostrivane";  // the literal adds the last NUL
 
-xcb_connection_t* QtConnection() {
-    auto* app = qGuiApp;
-    if (app == nullptr) return nullptr;
-    auto* x11 = app->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
-
-int DefaultScreenNumber() {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0) screen = 0;
-    std::free(host);
-    return screen;
-}
-
 xcb_screen_t* ScreenOf(xcb_connection_t* conn, int number) {
     xcb_screen_iterator_t it = xcb_setup_roots_iterator(xcb_get_setup(conn));
     xcb_screen_t* first = it.rem > 0 ? it.data : nullptr;
@@ -55,15 +40,6 @@ xcb_visualtype_t* VisualOf(xcb_screen_t* screen, xcb_visualid_t id) {
         }
     }
     return nullptr;
-}
-
-xcb_atom_t Atom(xcb_connection_t* conn, const char* name) {
-    const auto cookie = xcb_intern_atom(conn, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(conn, cookie, nullptr);
-    if (reply == nullptr) return XCB_ATOM_NONE;
-    const xcb_atom_t atom = reply->atom;
-    std::free(reply);
-    return atom;
 }
 
 xcb_rectangle_t WholeWindow(const PixelRect& rect) {
