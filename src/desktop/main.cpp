@@ -21,13 +21,6 @@
 
 using namespace ostrivane;
 
-// For the sanitized build: what the system's libraries keep until the process
-// ends is theirs to keep. Leaks of our own code are still reported.
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libdbus-1.so\n"
-           "leak:libfontconfig.so\n";
-}
-
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(kAppTitle));

@@ -4,11 +4,6 @@
 
 #include <QApplication>
 
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libdbus-1.so\n"
-           "leak:libfontconfig.so\n";
-}
-
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
