@@ -81,21 +81,8 @@ DecimalScan ScanDecimal(std::string_view text, std::size_t pos, bool skip_blanks
         ++i;
     }
     skip();
-    while (i < text.size()) {
-        if (IsDigit(text[i])) {
-            s.cleaned += text[i];
-            s.has_mantissa_digit = true;
-            ++i;
-        } else if (skip_blanks && IsValSkip(text[i])) {
-            ++i;
-        } else {
-            break;
-        }
-    }
-    s.end = i;
-    if (i < text.size() && text[i] == '.') {
-        s.cleaned += '.';
-        ++i;
+    // A run of digits, blanks in it skipped where Val skips them.
+    auto take_digits = [&] {
         while (i < text.size()) {
             if (IsDigit(text[i])) {
                 s.cleaned += text[i];
@@ -108,6 +95,12 @@ DecimalScan ScanDecimal(std::string_view text, std::size_t pos, bool skip_blanks
             }
         }
         s.end = i;
+    };
+    take_digits();
+    if (i < text.size() && text[i] == '.') {
+        s.cleaned += '.';
+        ++i;
+        take_digits();
     }
     if (s.has_mantissa_digit && i < text.size() &&
         (text[i] == 'e' || text[i] == 'E' || text[i] == 'd' || text[i] == 'D')) {
