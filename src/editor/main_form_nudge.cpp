@@ -32,33 +32,28 @@ void MainForm::SetNudgeRanges() {
     Loading = wasLoading;
 }
 
+namespace {
+
 // The focused marker sets the step; every selected one takes the same step,
 // so the others may pass the screen's edge.
-void MainForm::scrNudgeX_Change() {
-    if (Loading) return;
-    const int a = lstMarkers.ListIndex() + 1;
-    const std::int16_t delta = Delta16(scrNudgeX.Value(), store.Markers(a, Hpos));
-    txtHpos.SetText(DecimalText(scrNudgeX.Value()));
-    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
-        if (!lstMarkers.Selected(i)) continue;
-        store.Markers(i + 1, Hpos) = Add32(store.Markers(i + 1, Hpos), delta);
-        ShowMarker(i + 1);
+void NudgePosition(MainForm& frm, const form::ScrollBar& bar, form::TextBox& field, int column) {
+    if (frm.Loading) return;
+    const int a = frm.lstMarkers.ListIndex() + 1;
+    const std::int16_t delta = Delta16(bar.Value(), frm.store.Markers(a, column));
+    field.SetText(DecimalText(bar.Value()));
+    for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) {
+        if (!frm.lstMarkers.Selected(i)) continue;
+        frm.store.Markers(i + 1, column) = Add32(frm.store.Markers(i + 1, column), delta);
+        frm.ShowMarker(i + 1);
     }
-    Dirty = true;
+    frm.Dirty = true;
 }
 
-void MainForm::scrNudgeY_Change() {
-    if (Loading) return;
-    const int a = lstMarkers.ListIndex() + 1;
-    const std::int16_t delta = Delta16(scrNudgeY.Value(), store.Markers(a, Vpos));
-    txtVpos.SetText(DecimalText(scrNudgeY.Value()));
-    for (int i = 0; i < lstMarkers.ListCount(); ++i) {
-        if (!lstMarkers.Selected(i)) continue;
-        store.Markers(i + 1, Vpos) = Add32(store.Markers(i + 1, Vpos), delta);
-        ShowMarker(i + 1);
-    }
-    Dirty = true;
-}
+}  // namespace
+
+void MainForm::scrNudgeX_Change() { NudgePosition(*this, scrNudgeX, txtHpos, Hpos); }
+
+void MainForm::scrNudgeY_Change() { NudgePosition(*this, scrNudgeY, txtVpos, Vpos); }
 
 namespace {
 

@@ -23,6 +23,15 @@ int NextThreeStateValue(int value) {
     }
 }
 
+// The button going down moves the box one step on; the guard keeps the
+// click that the change raises from coming back in.
+void CycleThreeState(form::CheckBox& box, bool& guard) {
+    if (guard) return;
+    guard = true;
+    box.SetValue(NextThreeStateValue(box.Value()));
+    guard = false;
+}
+
 }  // namespace
 
 void MainForm::WireStateEvents() {
@@ -182,18 +191,12 @@ void MainForm::lstMarkers_Click() {
 
 void MainForm::chkDotted_MouseDown() {
     static bool guard = false;
-    if (guard) return;
-    guard = true;
-    chkDotted.SetValue(NextThreeStateValue(chkDotted.Value()));
-    guard = false;
+    CycleThreeState(chkDotted, guard);
 }
 
 void MainForm::chkDottedGrpDef_MouseDown() {
     static bool guard = false;
-    if (guard) return;
-    guard = true;
-    chkDottedGrpDef.SetValue(NextThreeStateValue(chkDottedGrpDef.Value()));
-    guard = false;
+    CycleThreeState(chkDottedGrpDef, guard);
 }
 
 void MainForm::chkDotted_Click() {
