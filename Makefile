@@ -9,12 +9,13 @@ ASAN_BUILD ?= build-asan
 deps:
 	@scripts/install-deps
 
+# Release, as a packager builds it; warnings are errors in our own builds.
 build: deps
-	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release -DOSTRIVANE_WERROR=ON $(CMAKE_EXTRA)
 	cmake --build $(BUILD) -j$(JOBS)
 
 build-asan: deps
-	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DOSTRIVANE_SANITIZE=ON -DOSTRIVANE_BENCH=OFF
+	cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DOSTRIVANE_SANITIZE=ON -DOSTRIVANE_BENCH=OFF -DOSTRIVANE_WERROR=ON $(CMAKE_EXTRA)
 	cmake --build $(ASAN_BUILD) -j$(JOBS)
 
 run: build
