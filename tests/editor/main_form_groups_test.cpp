@@ -1,12 +1,17 @@
 // Group operations driven through the form, checked on the table, the
 // controls, the data file on disk and the questions asked.
+#include <cerrno>
+#include <cstring>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
 #include "lib/profile.hpp"
 #include "store/data_file.hpp"
+#include "support/file_size_limit.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -80,6 +85,9 @@ TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "Odd]"), 2);
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "zeta"), -1);  // exact
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, ""), 3);
+    WriteDataFile("\xEF\xBB\xBF[Zeta]\r\n[Alpha]\r\n");  // a byte-order mark is no part of the first line
+    frm.LoadGroupList();
+    EXPECT_EQ(Groups(), (Lines{"Zeta", "Alpha"}));
     std::filesystem::remove(frm.DataFile);
     frm.LoadGroupList();
     EXPECT_EQ(frm.lstGroups.ListCount(), 0);
@@ -290,6 +298,58 @@ TEST_F(GroupTest, RenameMovesTheSectionToTheEndOfTheFile) {
     frm.RenameGroup();
     EXPECT_EQ(Groups(), (Lines{"", "Beta"}));
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", ""}));
+}
+
+// The file matches section names without regard to case, and so do the
+// group operations where they decide what the file will do.
+TEST_F(GroupTest, NamesThatDifferOnlyInCaseAreOneSection) {
+    struct Case { bool rename; const char* answer; Lines groups, headers; std::string alphaLine, betaLine; };
+    const Case cases[] = {
+        {true, "alpha", {"alpha", "Beta"}, {"Defaults", "Beta", "alpha"}, kAlpha[2], kBeta[2]},  // moves to the end
+        {true, "beta", {"Alpha", "Beta"}, {"Defaults", "Alpha", "Beta"}, kAlpha[2], kBeta[2]},   // nothing happens
+        {false, "beta", {"Alpha", "Beta"}, {"Defaults", "Alpha", "Beta"}, kAlpha[2], kAlpha[2]},  // overwrites Beta
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.answer);
+        LoadAlpha();
+        dialogs.inputBoxAnswers = {c.answer};
+        c.rename ? frm.RenameGroup() : frm.SaveGroupAs();
+        EXPECT_EQ(Groups(), c.groups);
+        EXPECT_EQ(Headers(), c.headers);
+        EXPECT_EQ(Section("alpha")[2] + "|" + Section("beta")[2], c.alphaLine + "|" + c.betaLine);
+        EXPECT_EQ(State(), "0,0,2,clean");
+    }
+}
+
+// A group write that fails warns with the file and the system's reason and
+// keeps the user's work: the file, the list, the lines and Dirty stay.
+TEST_F(GroupTest, FailedWriteWarnsAndKeepsEverything) {
+    const std::tuple<std::string, std::string, std::function<void()>> cases[] = {
+        {"Alpha", "saved", [&] { frm.cmdSaveGroup.PerformClick(); }},
+        {"Alpha", "saved", [&] { dialogs.msgBoxAnswers = {vbYes}, frm.PromptToSave(true); }},
+        {"New", "saved", [&] { dialogs.inputBoxAnswers = {"New"}, frm.SaveGroupAs(); }},
+        {"Alpha", "renamed", [&] { dialogs.inputBoxAnswers = {"New"}, frm.RenameGroup(); }},
+        {"Alpha", "deleted", [&] { frm.cmdDelGroup.PerformClick(); }},
+    };
+    for (const auto& [group, verb, operation] : cases) {
+        SCOPED_TRACE(verb);
+        frm.Dirty = false;
+        LoadAlpha();
+        frm.Dirty = true;
+        const std::string before = ReadDataFile();
+        MessageText.clear();
+        overlay.calls.clear();
+        {
+            const FileSizeLimit full;
+            operation();
+        }
+        EXPECT_EQ(MessageText, "2   0The group \"" + group + "\" was not " + verb + ": the data file " + frm.DataFile +
+                                   " could not be written (" + std::strerror(EFBIG) + ").");
+        EXPECT_EQ(ReadDataFile(), before);
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
+        EXPECT_EQ(State(), "0,0,2,dirty");
+        EXPECT_TRUE(overlay.calls.empty());
+    }
 }
 
 TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {

@@ -2,8 +2,11 @@
 
 #include "support/run_time_error.hpp"
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
 #include "fakes/memory_setting_store.hpp"
@@ -47,11 +50,41 @@ TEST_F(DataFileTest, PathIsDataDirAndExecutableName) {
     EXPECT_EQ(DataDirSetting(fakes::MemorySettingStore()), "/tmp/xdg-data-test/Ostrivane");
 }
 
-TEST_F(DataFileTest, FirstRunCreatesDirectoryAndKeysInOrder) {
-    const std::string file = InitDataFile(settings);
-    ASSERT_TRUE(std::filesystem::is_regular_file(file));
-    EXPECT_EQ(ReadAll(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n");
+// An empty file is a first run; a place that holds no usable file ends the
+// start with the file's name and what is wrong with it.
+TEST_F(DataFileTest, InitCreatesAMissingOrEmptyFileAndTellsWhyOthersCannotServe) {
+    namespace fs = std::filesystem;
+    const std::string file = DataFilePath(settings), data = dir.file("data");
+    const std::pair<std::function<void()>, std::string> rows[] = {
+        {[] {}, ""},
+        {[&] { fs::create_directories(DataDirSetting(settings)), std::ofstream(file).flush(); }, ""},
+        {[&] { fs::create_directories(file); }, "is a directory, not a file"},
+        {[&] { fs::create_directories(DataDirSetting(settings)), fs::create_symlink(file, file); },
+         "cannot be read: Too many levels of symbolic links"},
+        {[&] { fs::create_directories(data), std::ofstream(data + "/nested").flush(); }, "cannot be created: Not a directory"},
+        {[&] { fs::create_directories(DataDirSetting(settings)), mkfifo(file.c_str(), 0600); }, "is not a regular file"}};
+    for (const auto& [make, problem] : rows) {
+        fs::remove_all(data);
+        make();
+        try {
+            EXPECT_EQ(InitDataFile(settings), file);
+            EXPECT_EQ(ReadAll(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n");
+            EXPECT_EQ(problem, "");
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), kPathFileAccessError);
+            EXPECT_EQ(e.description(), "The data file " + file + " " + problem + ".");
+        }
+    }
+    // What a write that was killed left beside the file goes at the next start.
+    const std::string leftover = DataDirSetting(settings) + "/.ostrivane.ini.999999999.1.tmp";
+    fs::remove(file);
+    std::ofstream(leftover).flush();
+    InitDataFile(settings);
+    EXPECT_FALSE(fs::exists(leftover));
+}
 
+TEST_F(DataFileTest, FirstRunWritesTheKeysInOrder) {
+    const std::string file = InitDataFile(settings);
     LoadGlobalDefaults(defaults, file, screen, true);
     EXPECT_EQ(ReadAll(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1920x1080\r\nPC=" +
                                  lib_GetComputerName() + "\r\n");
@@ -87,23 +120,43 @@ TEST_F(DataFileTest, DefaultsLineByFormat) {
     }
 }
 
+// The error names the file and the line, and keeps its number.
 TEST_F(DataFileTest, BadDefaultsLinesRaiseWithPartialAssignments) {
-    struct Row { const char* contents; int error; std::int32_t hlenAfter; };
+    struct Row { const char* contents; int error; std::int32_t hlenAfter; const char* told; };
     const Row rows[] = {
-        {"Defaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40},
-        {"Defaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41},
-        {"Defaults=0,0,45,50,\r\n", kTypeMismatch, 45},  // the empty last part is read too
-        {"DataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42},
-        {"DataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43},
-        {"DataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2},
-        {"Defaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2},
+        {"[Defaults]\r\nDefaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40, "Defaults line \"0,0,40,x,"},
+        {"[Defaults]\r\nDefaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41, "(Subscript out of range)"},
+        {"[Defaults]\r\nDefaults=0,0,45,50,\r\n", kTypeMismatch, 45, "(Type mismatch)"},  // the empty last part too
+        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42, "Defaults line"},
+        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43, ""},
+        {"[Defaults]\r\nDataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2, "DataFormat line \"one\""},
+        {"[Defaults]\r\nDefaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2, "(Overflow)"},
+        {"[Defaults]\r\nDefaults\r\nPC=x\r\n", kTypeMismatch, -2, "has no Defaults line"},
+        {"\x9c\x01[Def\xffults]\nDefaults=1\n\x7f", kTypeMismatch, -2, "has no Defaults line"},
     };
     for (const Row& r : rows) {
         MarkerRow d = BuiltInGlobalDefaults();
-        const std::string file = NewDataFile("[Defaults]\r\n" + std::string(r.contents));
-        EXPECT_EQ(ErrorOf([&] { LoadGlobalDefaults(d, file, screen, true); }), r.error) << r.contents;
+        const std::string file = NewDataFile(r.contents);
+        try {
+            LoadGlobalDefaults(d, file, screen, true);
+            ADD_FAILURE() << r.contents;
+        } catch (const RuntimeError& e) {
+            EXPECT_EQ(e.number(), r.error) << r.contents;
+            EXPECT_TRUE(e.description().starts_with("The data file " + file + " cannot be used: ")) << e.description();
+            EXPECT_NE(e.description().find(r.told), std::string::npos) << e.description();
+        }
         EXPECT_EQ(d[Hlen], r.hlenAfter) << r.contents;
     }
+}
+
+// A byte-order mark before the first header and a key line without "=" are
+// read as the platform reads them; a key write then finds the section.
+TEST_F(DataFileTest, ByteOrderMarkAndBareKeyLine) {
+    const std::string text = "\xEF\xBB\xBF[Defaults]\r\nDataFormat\r\nDefaults=0,0,40,50,65280,3,60,1,\r\nPC=x\r\n";
+    const std::string file = NewDataFile(text);
+    LoadGlobalDefaults(defaults, file, screen, true);
+    EXPECT_EQ(defaults[Hlen], 40);
+    EXPECT_EQ(ReadAll(file), text + "ScreenRes=1920x1080\r\n");
 }
 
 TEST(GroupSection, BuildsTheDocumentedLines) {
