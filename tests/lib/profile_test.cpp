@@ -145,18 +145,12 @@ TEST_F(Profile, BlankFileMeansTheSystemProfileNeverAnEmptyName) {
 TEST_F(Profile, FailedWriteLeavesTheOldFileByteForByteAndTellsWhy) {
     const std::string original = "[Defaults]\nDefaults=0,0,-2,-2,255,1,100,0,\n[Bench]\nNotes=keep\n";
     WriteBytes(file, original);
-    std::vector<std::string> reasons;
-    {
-        const FileSizeLimit full;
-        reasons.push_back(std::to_string(lib_ProfileWriteSection("Bench", "Notes=big", file)));
-        reasons.push_back(lib_ProfileLastWriteError());
-        reasons.push_back(std::to_string(lib_ProfileWriteString("Bench", "Notes", "big", file)));
-        reasons.push_back(lib_ProfileLastWriteError());
-        lib_ProfileRenameSection("Bench", "B", file);
-        reasons.push_back(lib_ProfileLastWriteError());
-        lib_ProfileDeleteSection("Bench", file);
-        reasons.push_back(lib_ProfileLastWriteError());
-    }
+    std::vector<std::string> reasons;  // a braced list runs left to right
+    if (const FileSizeLimit full; true)
+        reasons = {std::to_string(lib_ProfileWriteSection("Bench", "Notes=big", file)), lib_ProfileLastWriteError(),
+                   std::to_string(lib_ProfileWriteString("Bench", "Notes", "big", file)), lib_ProfileLastWriteError(),
+                   (lib_ProfileRenameSection("Bench", "B", file), lib_ProfileLastWriteError()),
+                   (lib_ProfileDeleteSection("Bench", file), lib_ProfileLastWriteError())};
     const std::string tooLarge = std::strerror(EFBIG);
     EXPECT_EQ(reasons, (std::vector<std::string>{"0", tooLarge, "0", tooLarge, tooLarge, tooLarge}));
     EXPECT_EQ(ReadBytes(file), original);
@@ -172,8 +166,7 @@ TEST_F(Profile, WriteSyncsTheFileBeforeItsRenameAndTheDirectoryAfter) {
     synced = &paths;
     const bool written = lib_ProfileWriteString("S", "k", "v", file);
     synced = nullptr;
-    ASSERT_TRUE(written);
-    ASSERT_EQ(paths.size(), 2u);
+    ASSERT_TRUE(written && paths.size() == 2u) << paths.size();
     EXPECT_TRUE(fs::path(paths[0]).filename().string().starts_with(".data.ini." + std::to_string(getpid()) + "."))
         << paths[0];
     EXPECT_EQ(paths[1], fs::canonical(dir.path()));
