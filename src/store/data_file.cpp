@@ -56,11 +56,7 @@ void AppendLine(std::string& section, std::string_view line) {
 
 std::string RunningProgramName() {
     std::error_code ec;
-    std::string name = std::filesystem::read_symlink("/proc/self/exe", ec).filename().string();
-    // The link of a program whose file has been replaced since it started.
-    constexpr std::string_view kDeleted = " (deleted)";
-    if (name.ends_with(kDeleted)) name.resize(name.size() - kDeleted.size());
-    return ec || name.empty() ? kDefaultExecutableBaseName : name;
+    return ProgramNameOfLink(std::filesystem::read_symlink("/proc/self/exe", ec).string());
 }
 
 std::string& ExecutableBaseNameSetting() {
@@ -82,6 +78,14 @@ std::string& ExecutableBaseNameSetting() {
 }
 
 }  // namespace
+
+std::string ProgramNameOfLink(std::string_view link) {
+    std::string name = std::filesystem::path(link).filename().string();
+    // The link of a program whose file has been replaced since it started.
+    constexpr std::string_view kDeleted = " (deleted)";
+    if (name.ends_with(kDeleted)) name.resize(name.size() - kDeleted.size());
+    return name.empty() ? kDefaultExecutableBaseName : name;
+}
 
 const std::string& ExecutableBaseName() { return ExecutableBaseNameSetting(); }
 

@@ -24,6 +24,8 @@ inline constexpr char kNotesLineBreak = '\xff';
 const std::string& ExecutableBaseName();
 // An empty name goes back to the running program's.
 void SetExecutableBaseName(std::string name);
+// The program's name from the target of /proc/self/exe; "ostrivane" for none.
+std::string ProgramNameOfLink(std::string_view link);
 
 // The directory named after the title in the all-users application data folder.
 std::string DefaultDataDir();

@@ -88,6 +88,7 @@ TEST_F(StartupTest, FirstRunCreatesTheDataFileNamedAfterTheProgram) {
         const Renamed running("");
         EXPECT_EQ(ExecutableBaseName(), "ostrivane_tests");
     }
+    EXPECT_EQ(ProgramNameOfLink("/opt/marker-tool (deleted)") + ProgramNameOfLink(""), "marker-toolostrivane");
     const Renamed renamed("marker-tool");
     desktop.metrics[2] = 3200;
     ASSERT_TRUE(frm.Form_Load(""));
