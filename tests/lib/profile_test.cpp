@@ -162,6 +162,9 @@ TEST_F(Profile, FailedWriteLeavesTheOldFileByteForByteAndTellsWhy) {
 // A power loss leaves the old file or the whole new one: the new file is
 // synced before it takes the old one's name, the directory after.
 TEST_F(Profile, WriteSyncsTheFileBeforeItsRenameAndTheDirectoryAfter) {
+    const fs::perms perms = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    WriteBytes(file, "[S]\r\n");
+    fs::permissions(file, perms);  // the new file takes the old one's
     std::vector<std::string> paths;
     synced = &paths;
     const bool written = lib_ProfileWriteString("S", "k", "v", file);
@@ -170,6 +173,7 @@ TEST_F(Profile, WriteSyncsTheFileBeforeItsRenameAndTheDirectoryAfter) {
     EXPECT_TRUE(fs::path(paths[0]).filename().string().starts_with(".data.ini." + std::to_string(getpid()) + "."))
         << paths[0];
     EXPECT_EQ(paths[1], fs::canonical(dir.path()));
+    EXPECT_EQ(fs::status(file).permissions(), perms);
 }
 
 // Only temporary files of this file's writes go, and only when their writer
