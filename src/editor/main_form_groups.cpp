@@ -166,7 +166,7 @@ void MainForm::SaveGroup() {
     UpdateMarkerTable();
     // The name comes from CurrentGroup, not the selection: a save made
     // while another group is being selected goes to the one being left.
-    const std::string& name = lstGroups.List(CurrentGroup);
+    const std::string name = lstGroups.List(CurrentGroup);
     if (!GroupWritten(*this,
                       SaveGroupSection(name, "", DataFile, store.Markers, CheckedInt16(lstMarkers.ListCount()),
                                        txtGroupNotes.Text()),
