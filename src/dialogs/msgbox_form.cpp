@@ -75,7 +75,7 @@ void MsgBoxForm::Form_Load() {
     SavedBusy = BusyState;
     lib_SetBusy(false);
 
-    SetCaption(std::string(kExecutableBaseName) + "(" + title_ + ")");
+    SetCaption(ExecutableBaseName() + "(" + title_ + ")");
 
     const std::string_view request = MessageText;
     const std::int16_t type = RoundToInt16(Val(Mid(request, 1, 1)));

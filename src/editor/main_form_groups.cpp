@@ -7,10 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "dialogs/message_box.hpp"
 #include "editor/main_form.hpp"
 #include "lib/errors.hpp"
 #include "lib/numbers.hpp"
 #include "lib/profile.hpp"
+#include "lib/text.hpp"
 #include "store/data_file.hpp"
 
 namespace ostrivane {
@@ -49,8 +51,8 @@ std::string_view AfterEquals(std::string_view line) {
 
 bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
 
-// The data file's lines, each without its CR LF or LF; nothing for a file
-// that cannot be opened.
+// The data file's lines, each without its CR LF or LF, and the first without
+// a byte-order mark; nothing for a file that cannot be opened.
 std::vector<std::string> ReadTextLines(const std::string& path) {
     std::vector<std::string> lines;
     std::ifstream in(path, std::ios::binary);
@@ -60,8 +62,36 @@ std::vector<std::string> ReadTextLines(const std::string& path) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         lines.push_back(std::move(line));
     }
+    if (!lines.empty() && lines[0].starts_with("\xEF\xBB\xBF")) lines[0].erase(0, 3);
     return lines;
 }
+
+// The first item that names the same section as text: the file matches
+// section names without regard to case.
+std::int16_t FindSectionInList(const form::ListBox& list, const std::string& text) {
+    for (int i = 0; i < list.ListCount(); ++i)
+        if (EqualsNoCase(list.List(i), text)) return CheckedInt16(i);
+    return -1;
+}
+
+// A group write that failed leaves the user's work unsaved: PromptToSave
+// must not clear Dirty behind it, as it does after a save.
+bool groupWriteFailed = false;
+
+// Tells the user that a group operation did not reach the data file, and why.
+// True when the write worked.
+bool GroupWritten(MainForm& frm, bool written, std::string_view group, std::string_view operation) {
+    if (written) return true;
+    groupWriteFailed = true;
+    lib_ShowWarning(frm.desktop(),
+                    "The group \"" + std::string(group) + "\" was not " + std::string(operation) +
+                        ": the data file " + frm.DataFile + " could not be written (" + lib_ProfileLastWriteError() +
+                        ").",
+                    0);
+    return false;
+}
+
+bool LastWriteWorked() { return lib_ProfileLastWriteError().empty(); }
 
 // Steps shared by delete and deselect once no group is loaded.
 void EmptyLoadedGroup(MainForm& frm) {
@@ -122,7 +152,9 @@ void MainForm::PromptToSave(bool allowCancel) {
     const int buttons = allowCancel ? vbYesNoCancel : vbYesNo;
     const int answer = dialogs_.MsgBox(kPromptToSaveText, vbQuestion + buttons, kAppTitle);
     if (answer == vbCancel) return;
+    groupWriteFailed = false;
     if (answer == vbYes) SaveGroup();
+    if (groupWriteFailed) return;  // the changes are still only in the form
     if (answer == vbYes || answer == vbNo) Dirty = false;
 }
 
@@ -134,8 +166,12 @@ void MainForm::SaveGroup() {
     UpdateMarkerTable();
     // The name comes from CurrentGroup, not the selection: a save made
     // while another group is being selected goes to the one being left.
-    SaveGroupSection(lstGroups.List(CurrentGroup), "", DataFile, store.Markers, CheckedInt16(lstMarkers.ListCount()),
-                     txtGroupNotes.Text());
+    const std::string name = lstGroups.List(CurrentGroup);
+    if (!GroupWritten(*this,
+                      SaveGroupSection(name, "", DataFile, store.Markers, CheckedInt16(lstMarkers.ListCount()),
+                                       txtGroupNotes.Text()),
+                      name, "saved"))
+        return;
     Dirty = false;
 }
 
@@ -147,12 +183,16 @@ void MainForm::SaveGroupAs() {
     const std::string name = dialogs_.InputBox("Name", kAppTitle, proposal, position);
     if (name.empty()) return;
 
-    SaveGroupSection(name, "", DataFile, store.Markers, CheckedInt16(lstMarkers.ListCount()), txtGroupNotes.Text());
+    if (!GroupWritten(*this,
+                      SaveGroupSection(name, "", DataFile, store.Markers, CheckedInt16(lstMarkers.ListCount()),
+                                       txtGroupNotes.Text()),
+                      name, "saved"))
+        return;
     Dirty = false;
     if (Unloading) return;
-    // A listed name was overwritten in the file; the selection stays even
-    // when it names another group.
-    if (FindInList(lstGroups, name) != -1) return;
+    // A listed group, in whatever case, was overwritten in the file; the
+    // selection stays even when it names another group.
+    if (FindSectionInList(lstGroups, name) != -1) return;
     lstGroups.AddItem(name);
     lstGroups.SetListIndex(lstGroups.ListCount() - 1);  // loads the section just written
 }
@@ -163,15 +203,23 @@ void MainForm::RenameGroup() {
     // Cancel answers the empty name, which is not listed and so is taken.
     const std::string newName = dialogs_.InputBox("New name", kAppTitle, oldName, std::nullopt);
     if (FindInList(lstGroups, newName) != -1) return;
-    lstGroups.SetList(CurrentGroup, newName);
+    // Another group's section in another case would be overwritten. A change
+    // of case alone is a rename like any other: the file moves the section
+    // to the end under its new name.
+    const std::int16_t sameSection = FindSectionInList(lstGroups, newName);
+    if (sameSection != -1 && sameSection != CurrentGroup) return;
     lib_ProfileRenameSection(oldName, newName, DataFile);
+    if (!GroupWritten(*this, LastWriteWorked(), oldName, "renamed")) return;
+    lstGroups.SetList(CurrentGroup, newName);
 }
 
 void MainForm::DeleteGroup() {
     if (lstGroups.ListIndex() == -1) return;
-    DestroyAllMarkerWindows();
     const int index = lstGroups.ListIndex();
+    // The file first: a group that stays in it stays loaded, on the screen and listed.
     lib_ProfileDeleteSection(lstGroups.List(index), DataFile);
+    if (!GroupWritten(*this, LastWriteWorked(), lstGroups.List(index), "deleted")) return;
+    DestroyAllMarkerWindows();
     lstGroups.RemoveItem(index);
     CurrentGroup = -1;
     EmptyLoadedGroup(*this);

@@ -9,6 +9,12 @@ namespace ostrivane::ini {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// The byte-order mark the text starts with, or nothing.
+std::string_view ByteOrderMark(std::string_view text) {
+    return text.starts_with(kByteOrderMark) ? kByteOrderMark : std::string_view();
+}
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\v' || c == '\f'; }
 
@@ -48,7 +54,10 @@ std::optional<std::size_t> FindSectionBody(std::string_view text, std::string_vi
 // Output of an edit: every line ends in CR LF, whatever it ended in before.
 class Writer {
 public:
-    explicit Writer(std::size_t expected) { out_.reserve(expected + 64); }
+    Writer(std::size_t expected, std::string_view byteOrderMark) {
+        out_.reserve(expected + 64);
+        out_.append(byteOrderMark);
+    }
 
     void Put(std::string_view line) {
         out_.append(line);
@@ -75,6 +84,9 @@ public:
             pos = end + 1;
         }
     }
+    void PutLines(const std::vector<std::string_view>& lines) {
+        for (std::string_view line : lines) Put(line);
+    }
     // Blank lines held back while it is not yet known whether more content
     // follows them in the section.
     void Hold(std::string_view line) { held_.push_back(line); }
@@ -90,6 +102,78 @@ private:
     std::string out_;
     std::vector<std::string_view> held_;
 };
+
+// The lines of the first matching section as they stand, up to its last
+// non-blank one.
+std::vector<std::string_view> SectionLines(std::string_view text, std::string_view section) {
+    std::vector<std::string_view> lines;
+    const std::optional<std::size_t> body = FindSectionBody(text, section);
+    if (!body) return lines;
+    std::size_t kept = 0;
+    LineCursor cursor(text, *body);
+    std::string_view raw;
+    while (cursor.Next(raw)) {
+        const LineKind kind = ClassifyLine(raw).kind;
+        if (kind == LineKind::Section) break;
+        lines.push_back(raw);
+        if (kind != LineKind::Blank) kept = lines.size();
+    }
+    lines.resize(kept);
+    return lines;
+}
+
+// A value in a matching pair of quotes comes back without them.
+std::string_view Unquoted(std::string_view value) {
+    if (value.size() >= 2 && value.front() == value.back() && (value.front() == '"' || value.front() == '\''))
+        return value.substr(1, value.size() - 2);
+    return value;
+}
+
+bool IsKey(const Line& line, std::string_view key) {
+    return line.kind == LineKind::Entry && line.hasValue && EqualsNoCase(line.name, key);
+}
+
+// Replaces the content of the first matching section (up to its last
+// non-blank line; blank lines before the next header stay) with what
+// putContent writes; an absent section is appended at the end.
+template <class PutContent>
+std::string Replace(std::string_view text, std::string_view section, std::size_t contentSize, PutContent putContent) {
+    const std::string_view byteOrderMark = ByteOrderMark(text);
+    text.remove_prefix(byteOrderMark.size());
+    section = TrimBlanks(section);
+    enum class State { Before, Inside, Done } state = State::Before;
+    Writer out(text.size() + contentSize, byteOrderMark);
+    LineCursor cursor(text);
+    std::string_view raw;
+    while (cursor.Next(raw)) {
+        const Line line = state == State::Done ? Line{} : ClassifyLine(raw);
+        if (state == State::Inside) {
+            if (line.kind == LineKind::Section) {
+                putContent(out);
+                out.PutHeld();
+                state = State::Done;
+            } else {
+                // Old content goes, and so do blank lines with content after them.
+                if (line.kind == LineKind::Blank)
+                    out.Hold(raw);
+                else
+                    out.DropHeld();
+                continue;
+            }
+        } else if (state == State::Before && IsHeaderOf(line, section)) {
+            state = State::Inside;
+        }
+        out.Put(raw);
+    }
+    if (state == State::Inside) {
+        putContent(out);
+        out.PutHeld();
+    } else if (state == State::Before) {
+        out.PutHeader(section);
+        putContent(out);
+    }
+    return out.Take();
+}
 
 }  // namespace
 
@@ -144,6 +228,7 @@ Line ClassifyLine(std::string_view raw) {
 }
 
 std::optional<std::string> FindValue(std::string_view text, std::string_view section, std::string_view key) {
+    text.remove_prefix(ByteOrderMark(text).size());
     const std::optional<std::size_t> body = FindSectionBody(text, TrimBlanks(section));
     if (!body) return std::nullopt;
     key = TrimBlanks(key);
@@ -152,12 +237,13 @@ std::optional<std::string> FindValue(std::string_view text, std::string_view sec
     while (cursor.Next(raw)) {
         const Line line = ClassifyLine(raw);
         if (line.kind == LineKind::Section) break;
-        if (line.kind == LineKind::Entry && EqualsNoCase(line.name, key)) return std::string(line.value);
+        if (IsKey(line, key)) return std::string(Unquoted(line.value));
     }
     return std::nullopt;
 }
 
 std::optional<std::string> ReadSection(std::string_view text, std::string_view section) {
+    text.remove_prefix(ByteOrderMark(text).size());
     const std::optional<std::size_t> body = FindSectionBody(text, TrimBlanks(section));
     if (!body) return std::nullopt;
     std::string entries;
@@ -179,10 +265,12 @@ std::optional<std::string> ReadSection(std::string_view text, std::string_view s
 }
 
 std::string SetValue(std::string_view text, std::string_view section, std::string_view key, std::string_view value) {
+    const std::string_view byteOrderMark = ByteOrderMark(text);
+    text.remove_prefix(byteOrderMark.size());
     section = TrimBlanks(section);
     key = TrimBlanks(key);
     enum class State { Before, Inside, Done } state = State::Before;
-    Writer out(text.size() + key.size() + value.size());
+    Writer out(text.size() + key.size() + value.size(), byteOrderMark);
     LineCursor cursor(text);
     std::string_view raw;
     while (cursor.Next(raw)) {
@@ -199,7 +287,7 @@ std::string SetValue(std::string_view text, std::string_view section, std::strin
                 continue;
             } else {
                 out.PutHeld();
-                if (EqualsNoCase(line.name, key)) {
+                if (IsKey(line, key)) {
                     out.PutEntry(line.name, value);
                     state = State::Done;
                     continue;
@@ -221,44 +309,24 @@ std::string SetValue(std::string_view text, std::string_view section, std::strin
 }
 
 std::string ReplaceSection(std::string_view text, std::string_view section, std::string_view data) {
-    section = TrimBlanks(section);
-    enum class State { Before, Inside, Done } state = State::Before;
-    Writer out(text.size() + data.size());
-    LineCursor cursor(text);
-    std::string_view raw;
-    while (cursor.Next(raw)) {
-        const Line line = state == State::Done ? Line{} : ClassifyLine(raw);
-        if (state == State::Inside) {
-            if (line.kind == LineKind::Section) {
-                out.PutEntries(data);
-                out.PutHeld();
-                state = State::Done;
-            } else {
-                // Old content goes, and so do blank lines with content after them.
-                if (line.kind == LineKind::Blank)
-                    out.Hold(raw);
-                else
-                    out.DropHeld();
-                continue;
-            }
-        } else if (state == State::Before && IsHeaderOf(line, section)) {
-            state = State::Inside;
-        }
-        out.Put(raw);
-    }
-    if (state == State::Inside) {
-        out.PutEntries(data);
-        out.PutHeld();
-    } else if (state == State::Before) {
-        out.PutHeader(section);
-        out.PutEntries(data);
-    }
-    return out.Take();
+    return Replace(text, section, data.size(), [data](Writer& out) { out.PutEntries(data); });
+}
+
+std::string RenameSection(std::string_view text, std::string_view oldSection, std::string_view newSection) {
+    const std::vector<std::string_view> lines =
+        SectionLines(text.substr(ByteOrderMark(text).size()), TrimBlanks(oldSection));
+    std::size_t size = 0;
+    for (std::string_view line : lines) size += line.size() + kLineEnd.size();
+    const std::optional<std::string> removed = RemoveSection(text, oldSection);
+    return Replace(removed ? std::string_view(*removed) : text, newSection, size,
+                   [&lines](Writer& out) { out.PutLines(lines); });
 }
 
 std::optional<std::string> RemoveSection(std::string_view text, std::string_view section) {
+    const std::string_view byteOrderMark = ByteOrderMark(text);
+    text.remove_prefix(byteOrderMark.size());
     section = TrimBlanks(section);
-    Writer out(text.size());
+    Writer out(text.size(), byteOrderMark);
     LineCursor cursor(text);
     std::string_view raw;
     bool removing = false;

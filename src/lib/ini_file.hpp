@@ -5,14 +5,17 @@
 // or a lone CR. A line whose first non-blank character is "[" and which holds
 // a "]" later on is a section header, named by the text between the "[" and
 // the last "]". Any other non-blank line is an entry: its key is the text
-// before the first "=", its value the text after it (a line without "=" is a
-// key with an empty value). Names and values are trimmed of blanks (space,
-// tab, vertical tab, form feed). Sections and keys match without regard to
-// case; the first matching section and its first matching key win. Comment
-// lines are entries like any other; nobody asks for a key that begins with ";".
+// before the first "=", its value the text after it. A line without "=" is no
+// key: key reads and key writes pass over it, a section read gives it whole.
+// Names and values are trimmed of blanks (space, tab, vertical tab, form
+// feed). Sections and keys match without regard to case; the first matching
+// section and its first matching key win. Comment lines are entries like any
+// other; nobody asks for a key that begins with ";". A UTF-8 byte-order mark
+// at the start of the text is no part of the first line.
 //
-// Every edit returns the whole new text with CR LF line ends. Lines that the
-// edit does not concern keep their content.
+// Every edit returns the whole new text with CR LF line ends, behind the
+// byte-order mark if the text had one. Lines that the edit does not concern
+// keep their content.
 #pragma once
 
 #include <cstddef>
@@ -53,8 +56,9 @@ struct Line {
 std::string_view TrimBlanks(std::string_view text);
 Line ClassifyLine(std::string_view line);
 
-// The value of the first matching key in the first matching section;
-// nullopt when the section or the key is absent.
+// The value of the first matching key in the first matching section, without
+// the pair of single or double quotes that may enclose it; nullopt when the
+// section or the key is absent.
 std::optional<std::string> FindValue(std::string_view text, std::string_view section, std::string_view key);
 
 // The entries of the first matching section as "key=value" (or the bare key
@@ -72,6 +76,13 @@ std::string SetValue(std::string_view text, std::string_view section, std::strin
 // of data: NUL-ended entries, the list ending at an empty entry or at the end
 // of data. An absent section is appended at the end.
 std::string ReplaceSection(std::string_view text, std::string_view section, std::string_view data);
+
+// Moves every line of the first section named oldSection, up to its last
+// non-blank one and as it stands, to newSection: every section named
+// oldSection goes first, then the lines replace newSection's content as
+// ReplaceSection does, or come at the end under a new header. So a rename that
+// changes only the case of the name moves the section to the end as well.
+std::string RenameSection(std::string_view text, std::string_view oldSection, std::string_view newSection);
 
 // Removes every matching section, header and all its lines; nullopt when
 // there was none, so the caller need not write anything.

@@ -131,7 +131,7 @@ bool lib_MakePath(std::string_view pstrPath) {
 
         LineParseOptions options;
         options.DropDelims = "/";
-        options.QuotePairs = "\"\"";
+        options.QuotePairs.assign(2, '"');
         options.TrimParts = true;
         options.DelimsUnused = true;
         options.DelimToPrevPart = true;

@@ -17,7 +17,7 @@ namespace {
 
 std::string HelpText() {
     const std::string lines[] = {
-        std::string("Commandline:   ") + kExecutableBaseName + ".exe  [options]",
+        "Commandline:   " + ExecutableBaseName() + ".exe  [options]",
         "",
         "\"group name\" - load and show the named group.",
         "/show - show the currently selected group.",

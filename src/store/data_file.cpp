@@ -1,5 +1,8 @@
 #include "store/data_file.hpp"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <vector>
 
@@ -51,7 +54,44 @@ void AppendLine(std::string& section, std::string_view line) {
     section += '\0';
 }
 
+std::string RunningProgramName() {
+    std::error_code ec;
+    return ProgramNameOfLink(std::filesystem::read_symlink("/proc/self/exe", ec).string());
+}
+
+std::string& ExecutableBaseNameSetting() {
+    static std::string name = RunningProgramName();
+    return name;
+}
+
+[[noreturn]] void RaiseDataFileError(const std::string& file, std::string_view problem) {
+    Raise(kPathFileAccessError, "Ostrivane.InitDataFile", "The data file " + file + " " + std::string(problem) + ".");
+}
+
+// The error a bad value of the Defaults section raised, told with the file
+// and the line it came from; its number stays.
+[[noreturn]] void RaiseDefaultsError(const RuntimeError& error, const std::string& file, std::string_view key,
+                                     std::string_view value) {
+    Raise(error.number(), "Ostrivane.LoadGlobalDefaults",
+          "The data file " + file + " cannot be used: its " + std::string(key) + " line \"" + std::string(value) +
+              "\" is not what the program reads there (" + error.description() + ").");
+}
+
 }  // namespace
+
+std::string ProgramNameOfLink(std::string_view link) {
+    std::string name = std::filesystem::path(link).filename().string();
+    // The link of a program whose file has been replaced since it started.
+    constexpr std::string_view kDeleted = " (deleted)";
+    if (name.ends_with(kDeleted)) name.resize(name.size() - kDeleted.size());
+    return name.empty() ? kDefaultExecutableBaseName : name;
+}
+
+const std::string& ExecutableBaseName() { return ExecutableBaseNameSetting(); }
+
+void SetExecutableBaseName(std::string name) {
+    ExecutableBaseNameSetting() = name.empty() ? RunningProgramName() : std::move(name);
+}
 
 std::string DefaultDataDir() { return lib_JoinPath(lib_GetSpecialFolder(kCommonAppDataFolder), kAppTitle, true); }
 
@@ -59,27 +99,57 @@ std::string DataDirSetting(const SettingStore& settings) {
     return settings.GetSetting(kAppTitle, "Settings", "DataDir", DefaultDataDir());
 }
 
-std::string DataFilePath(const SettingStore& settings, std::string_view executableBaseName) {
-    return DataDirSetting(settings) + "/" + std::string(executableBaseName) + ".ini";
+std::string DataFilePath(const SettingStore& settings) {
+    return DataDirSetting(settings) + "/" + ExecutableBaseName() + ".ini";
 }
 
-std::string InitDataFile(const SettingStore& settings, std::string_view executableBaseName) {
-    const std::string dataFile = DataFilePath(settings, executableBaseName);
+std::string InitDataFile(const SettingStore& settings) {
+    namespace fs = std::filesystem;
+    const std::string dataFile = DataFilePath(settings);
+    RemoveStaleTemporaryFiles(dataFile);
     std::error_code ec;
-    if (!std::filesystem::exists(dataFile, ec)) {
-        lib_MakePath(DataDirSetting(settings));
-        lib_ProfileWriteString(kDefaultsSection, "Defaults", kNewDataFileDefaults, dataFile);
+    const fs::file_status status = fs::status(dataFile, ec);
+    const bool missing = status.type() == fs::file_type::not_found;
+    // An empty file holds nothing to lose: it is a first run.
+    if (missing || (fs::is_regular_file(status) && fs::file_size(dataFile, ec) == 0 && !ec)) {
+        // A directory that cannot be made shows in the write, with the system's reason.
+        SkipOnFailure([&] { lib_MakePath(DataDirSetting(settings)); });
+        if (!lib_ProfileWriteString(kDefaultsSection, "Defaults", kNewDataFileDefaults, dataFile))
+            RaiseDataFileError(dataFile, (missing ? "cannot be created: " : "cannot be written: ") +
+                                             lib_ProfileLastWriteError());
+        return dataFile;
     }
+    if (ec) RaiseDataFileError(dataFile, "cannot be read: " + ec.message());
+    if (fs::is_directory(status)) RaiseDataFileError(dataFile, "is a directory, not a file");
+    if (!fs::is_regular_file(status)) RaiseDataFileError(dataFile, "is not a regular file");
+    std::FILE* stream = std::fopen(dataFile.c_str(), "rb");
+    if (stream == nullptr) RaiseDataFileError(dataFile, std::string("cannot be read: ") + std::strerror(errno));
+    std::fclose(stream);
     return dataFile;
 }
 
 void LoadGlobalDefaults(MarkerRow& GlobalDefaults, const std::string& DataFile, const ScreenMetrics& screen,
                         bool screenMetricsKnown) {
-    const std::int16_t format = TextToInt16(lib_ProfileGetString(kDefaultsSection, "DataFormat", "0", DataFile));
-    if (format == 0) {
-        ReadFormatZeroDefaults(GlobalDefaults, SplitOnCommas(lib_ProfileGetString(kDefaultsSection, "Defaults", "", DataFile)));
-    } else if (format == 1) {
-        ReadFormatOneDefaults(GlobalDefaults, SplitOnCommas(lib_ProfileGetString(kDefaultsSection, "Defaults", "", DataFile)));
+    const std::string formatText = lib_ProfileGetString(kDefaultsSection, "DataFormat", "0", DataFile);
+    std::int16_t format = 0;
+    try {
+        format = TextToInt16(formatText);
+    } catch (const RuntimeError& error) {
+        RaiseDefaultsError(error, DataFile, "DataFormat", formatText);
+    }
+    if (format == 0 || format == 1) {
+        const std::string line = lib_ProfileGetString(kDefaultsSection, "Defaults", "", DataFile);
+        if (line.empty())
+            Raise(kTypeMismatch, "Ostrivane.LoadGlobalDefaults",
+                  "The data file " + DataFile + " cannot be used: its [Defaults] section has no Defaults line.");
+        try {
+            if (format == 0)
+                ReadFormatZeroDefaults(GlobalDefaults, SplitOnCommas(line));
+            else
+                ReadFormatOneDefaults(GlobalDefaults, SplitOnCommas(line));
+        } catch (const RuntimeError& error) {
+            RaiseDefaultsError(error, DataFile, "Defaults", line);
+        }
     }
 
     if (lib_ProfileGetString(kDefaultsSection, "ScreenRes", "", DataFile).empty() && screenMetricsKnown) {

@@ -1,12 +1,18 @@
 // Group operations driven through the form, checked on the table, the
 // controls, the data file on disk and the questions asked.
+#include <cerrno>
+#include <cstring>
+#include <functional>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
 #include "lib/profile.hpp"
 #include "store/data_file.hpp"
+#include "support/file_size_limit.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -35,20 +41,16 @@ protected:
         Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
         frm.lstGroups.SetListIndex(0);
     }
-    Lines Section(const std::string& name) const {
+    // Lines split at delimiter; "[name]" lines only, as names, when headers.
+    static Lines Split(const std::string& text, char delimiter, bool headers = false) {
         Lines lines;
-        const std::string text = lib_ProfileGetSection(name, frm.DataFile);
-        for (std::size_t start = 0, end; (end = text.find('\0', start)) != std::string::npos; start = end + 1)
-            lines.push_back(text.substr(start, end - start));
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line, delimiter);)
+            if (!headers || line.starts_with("[")) lines.push_back(headers ? line.substr(1, line.find(']') - 1) : line);
         return lines;
     }
-    Lines Headers() const {
-        Lines names;
-        std::istringstream in(ReadDataFile());
-        for (std::string line; std::getline(in, line);)
-            if (line.starts_with("[")) names.push_back(line.substr(1, line.find(']') - 1));
-        return names;
-    }
+    Lines Section(const std::string& name) const { return Split(lib_ProfileGetSection(name, frm.DataFile), '\0'); }
+    Lines Headers() const { return Split(ReadDataFile(), '\n', true); }
     Lines Groups() const {
         Lines items;
         for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
@@ -58,6 +60,11 @@ protected:
     std::string State() const {
         return std::to_string(frm.CurrentGroup) + "," + std::to_string(frm.lstGroups.ListIndex()) + "," +
                std::to_string(frm.store.MarkerCount) + (frm.Dirty ? ",dirty" : ",clean");
+    }
+    void Ask(int answer, const std::string& text = "") {
+        dialogs.asked.clear();
+        dialogs.msgBoxAnswers = {answer};
+        dialogs.inputBoxAnswers = {text};
     }
     Row Marker(int r) const {
         Row v;
@@ -80,6 +87,9 @@ TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "Odd]"), 2);
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "zeta"), -1);  // exact
     EXPECT_EQ(MainForm::FindInList(frm.lstGroups, ""), 3);
+    WriteDataFile("\xEF\xBB\xBF[Zeta]\r\n[Alpha]\r\n");  // a byte-order mark is no part of the first line
+    frm.LoadGroupList();
+    EXPECT_EQ(Groups(), (Lines{"Zeta", "Alpha"}));
     std::filesystem::remove(frm.DataFile);
     frm.LoadGroupList();
     EXPECT_EQ(frm.lstGroups.ListCount(), 0);
@@ -94,14 +104,12 @@ TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
         LoadAlpha();
         frm.store.Markers(1, Hpos) = 999;
         frm.Dirty = true;
-        dialogs.msgBoxAnswers = {c.answer};
-        dialogs.asked.clear();
+        Ask(c.answer);
         frm.PromptToSave(c.allowCancel);
         ASSERT_EQ(dialogs.asked.size(), 1u);
         EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].title + "|" + std::to_string(dialogs.asked[0].flags),
                   "There are unsaved changes. Save now (or they will be lost)?|Ostrivane|" + std::to_string(c.flags));
-        EXPECT_EQ(Section("Alpha")[2] == "1=999,300,-2,-2,65280,3,60,0,", c.saved);
-        EXPECT_EQ(frm.Dirty, c.dirtyAfter);
+        EXPECT_EQ(std::pair(Section("Alpha")[2] == "1=999,300,-2,-2,65280,3,60,0,", frm.Dirty), std::pair(c.saved, c.dirtyAfter));
     }
     frm.Dirty = false;
     frm.PromptToSave(true);  // asks nothing: no answer is scripted
@@ -109,20 +117,24 @@ TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
 
 TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
     LoadAlpha();
-    EXPECT_EQ(State(), "0,0,2,clean");
+    EXPECT_EQ(State() + "," + std::to_string(frm.lstMarkers.ListIndex()), "0,0,2,clean,-1");
     EXPECT_EQ(Marker(1), (Row{400, 300, -2, -2, 65280, 3, 60, 0}));
     EXPECT_EQ(Marker(2), (Row{100, 100, 50, 50, -1, -1, -1, -1}));
-    EXPECT_EQ(frm.txtHlenGrpDef.Text() + "|" + frm.txtVlenGrpDef.Text() + "|" + frm.txtThicknessGrpDef.Text(), "200||3");
-    EXPECT_EQ(frm.txtColourGrpDef.BackColor(), 65280);
-    EXPECT_EQ(frm.txtGroupNotes.Text(), "First line\r\nSecond line");
+    EXPECT_EQ(frm.txtHlenGrpDef.Text() + "|" + frm.txtVlenGrpDef.Text() + "|" + frm.txtThicknessGrpDef.Text() + "|" +
+                  std::to_string(frm.txtColourGrpDef.BackColor()) + "|" + frm.txtGroupNotes.Text(),
+              "200||3|65280|First line\r\nSecond line");
     EXPECT_TRUE(frm.cmdSaveGroup.Enabled() && frm.cmdDelGroup.Enabled() && frm.txtHlenGrpDef.Enabled());
     EXPECT_FALSE(frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() || frm.scrNudgeX.Enabled());
-    EXPECT_EQ(frm.lstMarkers.ListIndex(), -1);
     // The eighth default lands in column 8; column 12 stays blank and is saved so.
-    EXPECT_EQ(frm.store.Markers(0, HwndH), 1);
-    EXPECT_EQ(frm.chkDottedGrpDef.Value(), kCheckGrey);
-    frm.cmdSaveGroup.PerformClick();
-    EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280,3,-1,-1,");
+    EXPECT_EQ(std::pair(frm.store.Markers(0, HwndH), frm.chkDottedGrpDef.Value()), std::pair(1, kCheckGrey));
+    frm.lstMarkers.ClickItem(1);
+    frm.txtHpos.SetText("555");
+    frm.txtGroupNotes.SetText("One\r\nTwo");
+    frm.cmdSaveGroup.PerformClick();  // fields, table and notes, under the loaded name
+    EXPECT_EQ(Section("Alpha"), (Lines{"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,-1,",
+                                       "1=400,300,-2,-2,65280,3,60,0,", "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
+    EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta"}));
+    EXPECT_EQ(State(), "0,0,2,clean");
 }
 
 TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
@@ -145,19 +157,8 @@ TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
     }
     // an unknown format still loads the defaults and the notes; the twelfth value reaches column 12
     ASSERT_EQ(LoadOnly({"DataFormat=2", "Defaults=0,0,9,8,7,5,3,0,0,0,0,1,", "1=1,2,3,4,5,6,7,1,", "Notes=a\xff"}), 0);
-    EXPECT_EQ(frm.GroupFormat, 2);
-    EXPECT_EQ(frm.txtVlenGrpDef.Text(), "8");
-    EXPECT_EQ(frm.chkDottedGrpDef.Value(), kCheckChecked);
-    EXPECT_EQ(frm.txtGroupNotes.Text(), "a\r\n");
-}
-
-TEST_F(GroupTest, MissingSectionLoadsEmptyAndSavesWithoutMarkerLines) {
-    Setup({{"Alpha", kAlpha}});
-    frm.lstGroups.AddItem("Ghost");
-    frm.lstGroups.SetListIndex(1);
-    EXPECT_EQ(State(), "1,1,0,clean");
-    frm.cmdSaveGroup.PerformClick();
-    EXPECT_EQ(Section("Ghost"), (Lines{"DataFormat=1", "Defaults=0,0,-1,-1,-1,-1,-1,-1,", "Notes="}));
+    EXPECT_EQ(std::tuple(frm.GroupFormat, frm.txtVlenGrpDef.Text(), frm.chkDottedGrpDef.Value(), frm.txtGroupNotes.Text()),
+              std::tuple(2, "8", kCheckChecked, "a\r\n"));
 }
 
 TEST_F(GroupTest, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
@@ -165,14 +166,11 @@ TEST_F(GroupTest, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
         SCOPED_TRACE(answer);
         LoadAlpha();
         frm.txtThicknessGrpDef.SetText("7");  // reaches row 0, and Dirty, in the load's update
-        dialogs.msgBoxAnswers = {answer};
-        dialogs.asked.clear();
+        Ask(answer);
         frm.lstGroups.SetListIndex(1);
         EXPECT_EQ(dialogs.asked.size(), 1u);
         EXPECT_EQ(Section("Alpha")[1], answer == vbYes ? "Defaults=0,0,200,-1,65280,7,-1,-1," : kAlpha[1]);
-        EXPECT_EQ(Section("Beta"), kBeta);
         EXPECT_EQ(State(), "1,1,1,clean");
-        EXPECT_EQ(Marker(1), (Row{10, 20, 30, 40, 50, 5, 70, 1}));
     }
 }
 
@@ -196,68 +194,44 @@ TEST_F(GroupTest, LoadCallsTheOverlayAndSetsTheFlashTimer) {
 TEST_F(GroupTest, LoadFailureLeavesTheGroupPartlyLoaded) {
     EXPECT_EQ(LoadOnly({"DataFormat=1", "Defaults=0,0,150,x,-1,-1,-1,-1,", "1=1,2,3,4,5,7,9,1,"}), kTypeMismatch);
     EXPECT_EQ(State(), "0,0,0,clean");
-    EXPECT_EQ(frm.store.Markers(0, Hlen), 150);
-    EXPECT_EQ(frm.store.Markers(0, Vlen), kBlank);
+    EXPECT_EQ(std::pair(frm.store.Markers(0, Hlen), frm.store.Markers(0, Vlen)), std::pair(150, kBlank));
     EXPECT_EQ(frm.txtHlenGrpDef.Text(), "");  // the fields were not filled yet
     EXPECT_EQ(LoadOnly({"Defaults=1,2,3,4,5,6,7,8,9,10,11,1,13,"}), kSubscriptOutOfRange);
     EXPECT_EQ(frm.store.Markers(0, Dotted), 1);  // written before column 13 failed
-    EXPECT_EQ(LoadOnly({"1=1,2,3,4,5,7,9,", "2=1,2,x,4,5,7,9,"}), kTypeMismatch);
-    EXPECT_EQ(frm.store.MarkerCount, 1);
+    EXPECT_EQ(LoadOnly({"1=1,2,3,4,5,7,9,", "2=1,2,x,4,5,7,9,"}) + frm.store.MarkerCount, kTypeMismatch + 1);
     EXPECT_EQ(LoadOnly({"DataFormat=one"}), kTypeMismatch);
     Lines many;
     for (int i = 1; i <= 51; ++i) many.push_back(std::to_string(i) + "=" + std::to_string(i) + ",2,3,4,5,7,9,");
     EXPECT_EQ(LoadOnly(many), kSubscriptOutOfRange);
-    EXPECT_EQ(frm.lstMarkers.ListCount(), 50);
-    EXPECT_EQ(frm.store.Markers(50, Hpos), 50);
+    EXPECT_EQ(std::pair(frm.lstMarkers.ListCount(), frm.store.Markers(50, Hpos)), std::pair(50, 50));
 }
 
-TEST_F(GroupTest, SaveWritesFieldsTableAndNotesUnderTheLoadedName) {
-    LoadAlpha();
-    frm.lstMarkers.ClickItem(1);
-    frm.txtHpos.SetText("555");
-    frm.txtGroupNotes.SetText("One\r\nTwo");
-    frm.cmdSaveGroup.PerformClick();
-    EXPECT_EQ(Section("Alpha"), (Lines{"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,-1,",
-                                       "1=400,300,-2,-2,65280,3,60,0,", "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
-    EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta"}));
-    EXPECT_EQ(State(), "0,0,2,clean");
-}
-
-TEST_F(GroupTest, SaveWithNoGroupLoadedAsksForANameAndLoadsIt) {
+// With no group loaded a save asks for a name. A listed name is overwritten
+// and the selection stays; a new one is added at the end and loaded.
+TEST_F(GroupTest, SaveAsOverwritesAListedNameOrAddsANewOneAtTheEndAndLoadsIt) {
     Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
     frm.AppendMarker(5, 6, -2, -2, -1, -1, -1, -1);
-    dialogs.inputBoxAnswers = {"Fresh"};
+    Ask(0, "Fresh");
     frm.cmdSaveGroup.PerformClick();
-    ASSERT_EQ(dialogs.asked.size(), 1u);
     EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].proposal, "Name|");
+    EXPECT_FALSE(dialogs.asked[0].position.has_value());  // the form is not visible
     EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta", "Fresh"}));
     EXPECT_EQ(State(), "2,2,1,clean");
     EXPECT_EQ(Section("Fresh")[2], "1=5,6,-2,-2,-1,-1,-1,-1,");
     EXPECT_EQ(Marker(1), (Row{5, 6, -2, -2, -1, -1, -1, -1}));  // reloaded from the file
-}
 
-TEST_F(GroupTest, SaveAsOverwritesAListedNameOrAddsANewOneAtTheEndAndLoadsIt) {
-    LoadAlpha();
-    frm.Dirty = true;
-    dialogs.inputBoxAnswers = {"Beta"};
-    frm.mnuSaveAsGroup.PerformClick();
-    EXPECT_EQ(dialogs.asked[0].proposal, "Alpha");
-    EXPECT_FALSE(dialogs.asked[0].position.has_value());  // the form is not visible
-    EXPECT_EQ(Section("Beta")[2], kAlpha[2]);
-    EXPECT_EQ(State(), "0,0,2,clean");  // the selection stays on the group left behind
-
+    frm.lstGroups.SetListIndex(0);
     frm.SetVisible(true);
     frm.Left = 1000;
     frm.Top = 2000;
-    frm.txtGroupNotes.SetText("changed");
-    dialogs.inputBoxAnswers = {"Gamma"};
-    frm.SaveGroupAs();
-    ASSERT_TRUE(dialogs.asked[1].position.has_value());
-    EXPECT_EQ(std::pair(dialogs.asked[1].position->left, dialogs.asked[1].position->top), std::pair(1350, 2350));
-    EXPECT_EQ(State(), "2,2,2,clean");
-    EXPECT_EQ(Section("Alpha"), kAlpha);
-    EXPECT_EQ(Section("Gamma").back(), "Notes=changed");
-    EXPECT_EQ(frm.txtGroupNotes.Text(), "changed");
+    frm.Dirty = true;
+    Ask(0, "beta");  // the file's [Beta], in any case
+    frm.mnuSaveAsGroup.PerformClick();
+    EXPECT_EQ(dialogs.asked[0].proposal, "Alpha");
+    ASSERT_TRUE(dialogs.asked[0].position.has_value());
+    EXPECT_EQ(std::pair(dialogs.asked[0].position->left, dialogs.asked[0].position->top), std::pair(1350, 2350));
+    EXPECT_EQ(Section("Beta")[2], kAlpha[2]);
+    EXPECT_EQ(State(), "0,0,2,clean");  // the selection stays on the group left behind
 
     dialogs.inputBoxAnswers = {"", "Delta"};  // Cancel saves nothing
     frm.Dirty = true;
@@ -265,31 +239,56 @@ TEST_F(GroupTest, SaveAsOverwritesAListedNameOrAddsANewOneAtTheEndAndLoadsIt) {
     EXPECT_TRUE(frm.Dirty);
     frm.Unloading = true;  // a closing form writes the file and leaves the list alone
     frm.SaveGroupAs();
-    EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta", "Gamma", "Delta"}));
-    EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta", "Gamma"}));
+    EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta", "Fresh", "Delta"}));
+    EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta", "Fresh"}));
 }
 
-// A listed name does nothing; the new name's section moves to the end of the
-// file; Cancel answers the empty name, which is taken.
+// A listed name, in any case but the group's own, does nothing. A new name,
+// or the same in another case, moves the section to the end of the file;
+// Cancel answers the empty name, which is taken.
 TEST_F(GroupTest, RenameMovesTheSectionToTheEndOfTheFile) {
     LoadAlpha();
     const std::string before = ReadDataFile();
-    for (const char* answer : {"Beta", "Alpha"}) {
-        dialogs.inputBoxAnswers = {answer};
+    for (const char* answer : {"Beta", "Alpha", "beta"}) {
+        Ask(0, answer);
         frm.RenameGroup();  // a further question would fail: none is scripted
         EXPECT_EQ(ReadDataFile(), before);
         EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
     }
-    dialogs.inputBoxAnswers = {"Renamed"};
-    frm.mnuRenGroup.PerformClick();
-    EXPECT_EQ(dialogs.asked.back().prompt + "|" + dialogs.asked.back().proposal, "New name|Alpha");
-    EXPECT_EQ(Groups(), (Lines{"Renamed", "Beta"}));
-    EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", "Renamed"}));
-    EXPECT_EQ(Section("Renamed"), kAlpha);
-    dialogs.inputBoxAnswers = {""};
-    frm.RenameGroup();
-    EXPECT_EQ(Groups(), (Lines{"", "Beta"}));
-    EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", ""}));
+    for (const auto& [answer, proposal] : {std::pair("ALPHA", "Alpha"), {"Renamed", "ALPHA"}, {"", "Renamed"}}) {
+        Ask(0, answer);
+        frm.mnuRenGroup.PerformClick();
+        EXPECT_EQ(dialogs.asked.back().prompt + "|" + dialogs.asked.back().proposal, "New name|" + std::string(proposal));
+        EXPECT_EQ(Groups(), (Lines{answer, "Beta"}));
+        EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta", answer}));
+        EXPECT_EQ(Section(answer), kAlpha);
+    }
+}
+
+// A group write that fails warns with the file and the system's reason and
+// keeps the user's work: the file, the list, the lines and Dirty stay.
+TEST_F(GroupTest, FailedWriteWarnsAndKeepsEverything) {
+    const std::tuple<std::string, std::string, std::function<void()>> cases[] = {
+        {"Alpha", "saved", [&] { frm.cmdSaveGroup.PerformClick(); }},
+        {"Alpha", "saved", [&] { Ask(vbYes), frm.PromptToSave(true); }},
+        {"New", "saved", [&] { Ask(0, "New"), frm.SaveGroupAs(); }},
+        {"Alpha", "renamed", [&] { Ask(0, "New"), frm.RenameGroup(); }},
+        {"Alpha", "deleted", [&] { frm.cmdDelGroup.PerformClick(); }},
+    };
+    for (const auto& [group, verb, operation] : cases) {
+        SCOPED_TRACE(verb);
+        frm.Dirty = false;
+        LoadAlpha();
+        const std::string before = ReadDataFile();
+        frm.Dirty = true;
+        overlay.calls.clear();
+        if (const FileSizeLimit full; true) operation();
+        EXPECT_EQ(MessageText, "2   0The group \"" + group + "\" was not " + verb + ": the data file " + frm.DataFile +
+                                   " could not be written (" + std::strerror(EFBIG) + ").");
+        EXPECT_EQ(ReadDataFile() + State(), before + "0,0,2,dirty");
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
+        EXPECT_TRUE(overlay.calls.empty());
+    }
 }
 
 TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
@@ -299,6 +298,7 @@ TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
     frm.Dirty = true;
     overlay.calls.clear();
     frm.cmdDelGroup.PerformClick();
+    frm.cmdDelGroup.PerformClick();  // nothing selected: nothing happens
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Beta"}));
     EXPECT_EQ(Groups(), (Lines{"Beta"}));
     EXPECT_EQ(State() + "," + std::to_string(frm.lstMarkers.ListCount()), "-1,-1,0,clean,0");
@@ -306,8 +306,6 @@ TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
     EXPECT_TRUE(frm.Showing && frm.ActiveControl() == &frm.cmdAddMarker);
     EXPECT_FALSE(frm.cmdSaveGroup.Enabled() || frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() ||
                  frm.scrNudgeX.Enabled() || frm.scrNudgeW.Enabled() || frm.mnuRenGroup.Enabled());
-    frm.cmdDelGroup.PerformClick();  // nothing selected: nothing happens
-    EXPECT_EQ(Groups(), (Lines{"Beta"}));
 }
 
 TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
@@ -318,11 +316,10 @@ TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
         frm.txtThicknessGrpDef.SetText(thickness);
         frm.Showing = showing;
         overlay.calls.clear();
-        dialogs.msgBoxAnswers = {vbYes};
+        Ask(vbYes);
         frm.mnuClearGroupSelection.PerformClick();
         EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280," + thickness + ",-1,-1,");
-        EXPECT_EQ(State(), "-1,-1,0,clean");
-        EXPECT_EQ(frm.lblMsg.Caption() + frm.txtThicknessGrpDef.Text(), "");
+        EXPECT_EQ(State() + frm.lblMsg.Caption() + frm.txtThicknessGrpDef.Text(), "-1,-1,0,clean");
         EXPECT_FALSE(frm.cmdSaveGroup.Enabled());
         EXPECT_EQ(overlay.calls, showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
         EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
@@ -332,27 +329,19 @@ TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
 TEST_F(GroupTest, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {
     int shows = 0;  // a double click on the list shows only when stopped
     frm.cmdShow.Click.Connect([&] { ++shows; });
-    frm.lstGroups.DblClick.Raise();
-    EXPECT_EQ(shows, 1);
-    frm.Showing = true;
-    frm.lstGroups.DblClick.Raise();
+    for (bool showing : {false, true}) frm.Showing = showing, frm.lstGroups.DblClick.Raise();
     EXPECT_EQ(shows, 1);
     frm.Showing = false;
     for (form::MenuItem* menu : {&frm.mnuSaveGroup, &frm.mnuSaveAsGroup, &frm.mnuRenGroup}) {
         SCOPED_TRACE(menu->Name());
         LoadAlpha();
         frm.txtHpos.SetFocus();
-        std::size_t askedAtValidation = 99;
-        std::string fileAtValidation;
-        frm.txtHpos.Validate.Connect([&](bool&) {
-            askedAtValidation = dialogs.asked.size();
-            fileAtValidation = ReadDataFile();
-        });
-        dialogs.asked.clear();
-        dialogs.inputBoxAnswers = {"Other"};
+        std::string atValidation;  // questions asked and file text
+        frm.txtHpos.Validate.Connect([&](bool&) { atValidation = std::to_string(dialogs.asked.size()) + ReadDataFile(); });
+        Ask(0, "Other");
         menu->PerformClick();
-        EXPECT_EQ(askedAtValidation, 0u);
-        EXPECT_NE(fileAtValidation, ReadDataFile());  // the work came after
+        EXPECT_EQ(atValidation.substr(0, 1), "0");
+        EXPECT_NE(atValidation.substr(1), ReadDataFile());  // the work came after
         EXPECT_EQ(frm.ActiveControl(), &frm.cmdAddMarker);
     }
 }

@@ -37,7 +37,7 @@ TEST(IniText, ReadsFirstSectionAndFirstKeyWithoutCase) {
     EXPECT_EQ(FindValue(kEdited, " Bench ", "1"), "400,300,-2,-2,65280,3,60,0,");
     EXPECT_EQ(FindValue(kEdited, "bench", "Hidden"), std::nullopt);  // the second [bench] is never reached
     EXPECT_EQ(FindValue(kEdited, "", "top"), std::nullopt);  // lines before any header are in no section
-    EXPECT_EQ(FindValue(kEdited, "Defaults", "bare"), "");
+    EXPECT_EQ(FindValue(kEdited, "Defaults", "bare"), std::nullopt);  // a line without "=" is no key
     EXPECT_EQ(ReadSection(kEdited, "defaults"), "DataFormat=1\0bare\0[no close\0"s);
     EXPECT_EQ(ReadSection(kEdited, "BENCH"), "1=400,300,-2,-2,65280,3,60,0,\0Notes=a\xff" "b\0001=shadowed\0"s);
     EXPECT_EQ(ReadSection("[E]\r\n\r\n[F]\r\nk=v", "e"), ""s);
@@ -66,6 +66,31 @@ TEST(IniText, SectionWriteKeepsThePlaceAndRemoveTakesAllCopies) {
     EXPECT_EQ(RemoveSection(kEdited, "bench"), "; by hand\r\ntop=level\r\n\r\n  [ Defaults ]  \r\n"
                                                "\tDataFormat = 1 \r\nbare\r\n[no close\r\n\r\n");
     EXPECT_EQ(RemoveSection(kEdited, "Bench2"), std::nullopt);
+}
+
+// The platform's read rules: a byte-order mark at the start is skipped, a
+// line without "=" is no key, a value loses a pair of quotes around it.
+TEST(IniText, ByteOrderMarkBareLinesAndQuotes) {
+    const std::string bom = "\xEF\xBB\xBF";
+    const std::string text = bom + "[S]\nbare\nq1 = \"a b\" \nq2='x'\nq3=\"x'\nq4=\"\nq5=''\n";
+    const std::pair<const char*, std::optional<std::string>> reads[] = {
+        {"bare", std::nullopt}, {"q1", "a b"}, {"q2", "x"}, {"q3", "\"x'"}, {"q4", "\""}, {"q5", ""}};
+    for (const auto& [key, value] : reads) EXPECT_EQ(FindValue(text, "s", key), value) << key;
+    EXPECT_EQ(ReadSection(text, "S")->substr(0, 14), "bare\0q1=\"a b\"\0"s);
+    EXPECT_EQ(SetValue(bom + "[S]\nbare\n", "S", "bare", "v"), bom + "[S]\r\nbare\r\nbare=v\r\n");
+    EXPECT_EQ(ReplaceSection(bom + "[S]\nk=v\n", "s", "n=1"), bom + "[S]\r\nn=1\r\n");
+    EXPECT_EQ(RemoveSection(bom + "[S]\nk=v\n[T]\n", "s"), bom + "[T]\r\n");
+}
+
+// Every line moves as it stands, also one that starts with a NUL; the old
+// name goes first, so a change of case alone moves the section to the end.
+TEST(IniText, RenameMovesEveryLineOfTheSection) {
+    const std::string text = "[A]\n\0lead=1\n  x = 1 \n\n;c\n\n[B]\nk=v\n[a]\ny=2\n"s;
+    const std::string lines = "\0lead=1\r\n  x = 1 \r\n\r\n;c\r\n"s;
+    EXPECT_EQ(RenameSection(text, "a", "C"), "[B]\r\nk=v\r\n[C]\r\n" + lines);
+    EXPECT_EQ(RenameSection(text, "A", "a"), "[B]\r\nk=v\r\n[a]\r\n" + lines);
+    EXPECT_EQ(RenameSection(text, "A", "b"), "[B]\r\n" + lines);
+    EXPECT_EQ(RenameSection("\xEF\xBB\xBF[B]\n", "Z", "Y"), "\xEF\xBB\xBF[B]\r\n[Y]\r\n");
 }
 
 TEST(IniText, HugeLinesAndNoFinalLineEnd) {

@@ -1,17 +1,41 @@
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
+#include <dlfcn.h>
+#include <unistd.h>
 
-#include <csignal>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "lib/profile.hpp"
+#include "support/file_size_limit.hpp"
 #include "support/scoped_env.hpp"
 #include "support/temp_dir.hpp"
+
+namespace ostrivane {
+namespace {
+
+// Where every fsync goes while a test listens: the path that the descriptor
+// stands for at that moment.
+std::vector<std::string>* synced = nullptr;
+
+}  // namespace
+}  // namespace ostrivane
+
+extern "C" int fsync(int fd) {
+    static const auto real = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "fsync"));
+    std::error_code ec;
+    if (ostrivane::synced)
+        ostrivane::synced->push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), ec));
+    return real(fd);
+}
 
 namespace ostrivane {
 namespace {
@@ -46,6 +70,7 @@ TEST_F(Profile, KeyReadIsCutTo254AndAbsentKeysGiveTheDefault) {
     EXPECT_EQ(lib_ApiResult, 1);
     EXPECT_EQ(lib_ProfileGetString("Defaults", "Long", "dflt", dir.file("none.ini")), "dflt");
     EXPECT_EQ(lib_ProfileGetString("Defaults", "Absent", std::string(300, 'd'), file).size(), 254u);
+    EXPECT_EQ(lib_ProfileGetString("Defaults", "Absent", " d \t  ", file), " d \t");  // trailing spaces go
     EXPECT_EQ(Listing(dir.path()), std::set<std::string>{"data.ini"});
 }
 
@@ -86,15 +111,16 @@ TEST_F(Profile, LongSectionComesBackTwoShortOfTheBuffer) {
     }
 }
 
-TEST_F(Profile, RenameKeepsTheKeysInOrderAndDeleteRemoves) {
-    WriteBytes(file, "[A]\r\nz=1\r\n[Old]\r\nDataFormat=1\r\n2=b\r\n1=a\r\n[C]\r\nk=v\r\n");
+// Every line arrives: one that starts with a NUL, and all of a section
+// longer than the read buffer; a change of case moves it to the end too.
+TEST_F(Profile, RenameMovesEveryLineAndDeleteRemoves) {
+    const std::string lines = "DataFormat=1\r\n\0nul=1\r\n1=a\r\nlong="s + std::string(40000, 'x') + "\r\n";
+    WriteBytes(file, "[A]\r\nz=1\r\n[Old]\r\n" + lines + "[C]\r\nk=v\r\n");
     EXPECT_FALSE(lib_ProfileRenameSection("old", "New", file));
-    EXPECT_EQ(ReadBytes(file), "[A]\r\nz=1\r\n[C]\r\nk=v\r\n[New]\r\nDataFormat=1\r\n2=b\r\n1=a\r\n");
-    // Write under the new name finds the section itself; the delete then takes it.
+    EXPECT_EQ(ReadBytes(file), "[A]\r\nz=1\r\n[C]\r\nk=v\r\n[New]\r\n" + lines);
     EXPECT_FALSE(lib_ProfileRenameSection("New", "NEW", file));
-    EXPECT_EQ(ReadBytes(file), "[A]\r\nz=1\r\n[C]\r\nk=v\r\n");
     lib_ProfileDeleteSection("a", file);
-    EXPECT_EQ(ReadBytes(file), "[C]\r\nk=v\r\n");
+    EXPECT_EQ(ReadBytes(file), "[C]\r\nk=v\r\n[NEW]\r\n" + lines);
     lib_ProfileDeleteSection("C", dir.file("none.ini"));
     EXPECT_EQ(Listing(dir.path()), std::set<std::string>{"data.ini"});
 }
@@ -115,24 +141,57 @@ TEST_F(Profile, BlankFileMeansTheSystemProfileNeverAnEmptyName) {
     EXPECT_EQ(SystemProfilePath(), work.path() / ".config" / "Ostrivane" / "profile.ini");
 }
 
-// A file-size limit makes the write itself fail, whoever runs the test.
-TEST_F(Profile, FailedWriteLeavesTheOldFileByteForByte) {
+// Each write routine fails whole and tells why; the next success clears it.
+TEST_F(Profile, FailedWriteLeavesTheOldFileByteForByteAndTellsWhy) {
     const std::string original = "[Defaults]\nDefaults=0,0,-2,-2,255,1,100,0,\n[Bench]\nNotes=keep\n";
     WriteBytes(file, original);
-    const std::string big(20000, 'n');
-    rlimit old{};
-    getrlimit(RLIMIT_FSIZE, &old);
-    rlimit limit = old;
-    limit.rlim_cur = 4096;
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    const bool section = lib_ProfileWriteSection("Bench", "Notes=" + big, file);
-    const bool key = lib_ProfileWriteString("Bench", "Notes", big, file);
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(section || key);
+    std::vector<std::string> reasons;  // a braced list runs left to right
+    if (const FileSizeLimit full; true)
+        reasons = {std::to_string(lib_ProfileWriteSection("Bench", "Notes=big", file)), lib_ProfileLastWriteError(),
+                   std::to_string(lib_ProfileWriteString("Bench", "Notes", "big", file)), lib_ProfileLastWriteError(),
+                   (lib_ProfileRenameSection("Bench", "B", file), lib_ProfileLastWriteError()),
+                   (lib_ProfileDeleteSection("Bench", file), lib_ProfileLastWriteError())};
+    const std::string tooLarge = std::strerror(EFBIG);
+    EXPECT_EQ(reasons, (std::vector<std::string>{"0", tooLarge, "0", tooLarge, tooLarge, tooLarge}));
     EXPECT_EQ(ReadBytes(file), original);
     EXPECT_EQ(Listing(dir.path()), std::set<std::string>{"data.ini"});
+    lib_ProfileDeleteSection("Bench", file);
+    EXPECT_EQ(lib_ProfileLastWriteError(), "");
+}
+
+// A power loss leaves the old file or the whole new one: the new file is
+// synced before it takes the old one's name, the directory after.
+TEST_F(Profile, WriteSyncsTheFileBeforeItsRenameAndTheDirectoryAfter) {
+    const fs::perms perms = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    WriteBytes(file, "[S]\r\n");
+    fs::permissions(file, perms);  // the new file takes the old one's
+    std::vector<std::string> paths;
+    synced = &paths;
+    const bool written = lib_ProfileWriteString("S", "k", "v", file);
+    synced = nullptr;
+    ASSERT_TRUE(written && paths.size() == 2u) << paths.size();
+    EXPECT_TRUE(fs::path(paths[0]).filename().string().starts_with(".data.ini." + std::to_string(getpid()) + "."))
+        << paths[0];
+    EXPECT_EQ(paths[1], fs::canonical(dir.path()));
+    EXPECT_EQ(fs::status(file).permissions(), perms);
+}
+
+// Only temporary files of this file's writes go, and only when their writer
+// is gone or they are older than a minute.
+TEST_F(Profile, StaleTemporaryFilesOfKilledWritesAreRemoved) {
+    const std::string self = std::to_string(getpid()), gone = "999999999";
+    const std::tuple<std::string, bool, bool> rows[] = {  // name, older than a minute, removed
+        {".data.ini." + self + ".1.tmp", false, false}, {".data.ini." + self + ".2.tmp", true, true},
+        {".data.ini." + gone + ".3.tmp", false, true},  {".data.ini.4.tmp", true, true},
+        {".data.ini.5.tmp", false, false},              {".other.ini." + gone + ".6.tmp", true, false},
+        {"data.ini." + gone + ".7.tmp", true, false},   {".data.ini.x.8.tmp", true, false},
+        {".data.ini." + gone + ".9.tmp~", true, false}};
+    for (const auto& [name, old, removed] : rows) {
+        WriteBytes(dir.path() / name, "x");
+        if (old) fs::last_write_time(dir.path() / name, fs::file_time_type::clock::now() - std::chrono::minutes(2));
+    }
+    EXPECT_EQ(RemoveStaleTemporaryFiles(file), 3);
+    for (const auto& [name, old, removed] : rows) EXPECT_NE(fs::exists(dir.path() / name), removed) << name;
 }
 
 }  // namespace

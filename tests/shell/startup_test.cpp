@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
 #include "fakes/memory_setting_store.hpp"
 #include "fakes/ordered_platform.hpp"
@@ -33,7 +34,6 @@ protected:
         std::filesystem::create_directories(DataDir());
         WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1x1\r\nPC=here\r\n" + extraLines);
     }
-    std::string Key(const char* key) const { return lib_ProfileGetString("Defaults", key, "absent", frm.DataFile); }
     fakes::MemorySettingStore settings;
 };
 
@@ -54,53 +54,56 @@ protected:
     MainForm frm{dialogs, overlay, desktop};
 };
 
-class StartupSecondCopy : public StartupTest {
-protected:
-    StartupSecondCopy() { desktop.instanceFree = false; }
-};
-
-TEST_F(StartupSecondCopy, ForwardsItsTrimmedLowerCasedCommandLineAndEnds) {
+// A second copy forwards its trimmed, lower-cased command line, or says
+// sorry without one, and ends before any file is touched.
+TEST_F(StartupTest, SecondCopyForwardsOrSaysSorryAndEnds) {
+    desktop.instanceFree = false;
+    dialogs.msgBoxAnswers = {vbOK};
     EXPECT_FALSE(frm.Form_Load("   \"My GROUP\" two  "));
-    EXPECT_EQ(desktop.calls, (Lines{kGuard, "ForwardCommand iOstrivanei"}));
+    EXPECT_FALSE(frm.Form_Load("    "));
+    EXPECT_EQ(desktop.calls, (Lines{kGuard, "ForwardCommand iOstrivanei", kGuard}));
     EXPECT_EQ(desktop.forwarded, (Lines{"\"my group\" two"}));
-    EXPECT_TRUE(dialogs.asked.empty());
+    ASSERT_EQ(dialogs.asked.size(), 1u);
+    EXPECT_EQ(dialogs.asked[0].prompt + "|" + std::to_string(dialogs.asked[0].flags) + "|" + dialogs.asked[0].title,
+              "Sorry, another copy of this app is already running|64|Ostrivane");
     EXPECT_FALSE(std::filesystem::exists(DataDir()));
     EXPECT_EQ(frm.Caption(), "Ostrivane");
 }
 
-TEST_F(StartupSecondCopy, WithoutCommandLineSaysSorryAndEnds) {
-    dialogs.msgBoxAnswers = {vbOK};
-    EXPECT_FALSE(frm.Form_Load("    "));
-    ASSERT_EQ(dialogs.asked.size(), 1u);
-    EXPECT_EQ(dialogs.asked[0].prompt, "Sorry, another copy of this app is already running");
-    EXPECT_EQ(dialogs.asked[0].flags, 64);
-    EXPECT_EQ(dialogs.asked[0].title, "Ostrivane");
-    EXPECT_EQ(desktop.calls, (Lines{kGuard}));
-    EXPECT_FALSE(std::filesystem::exists(DataDir()));
-}
-
 TEST_F(StartupTest, QuitInAnySpellingEndsBeforeAnyFileIsTouched) {
-    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) {
-        EXPECT_FALSE(frm.Form_Load(line)) << line;
-        EXPECT_TRUE(frm.InstanceGuard.owned);
-    }
+    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) EXPECT_FALSE(frm.Form_Load(line)) << line;
+    EXPECT_TRUE(frm.InstanceGuard.owned);
     EXPECT_EQ(desktop.calls, (Lines{kGuard, kGuard, kGuard}));
     EXPECT_TRUE(dialogs.asked.empty());
-    EXPECT_FALSE(std::filesystem::exists(DataDir()));
-    EXPECT_FALSE(frm.Visible());
+    EXPECT_FALSE(std::filesystem::exists(DataDir()) || frm.Visible());
 }
 
-TEST_F(StartupTest, FirstRunCreatesTheDataFile) {
+// The program's file names the data file, the help text and the message box.
+TEST_F(StartupTest, FirstRunCreatesTheDataFileNamedAfterTheProgram) {
+    struct Renamed {
+        explicit Renamed(const char* name) { SetExecutableBaseName(name); }
+        ~Renamed() { SetExecutableBaseName(kDefaultExecutableBaseName); }
+    };
+    {
+        const Renamed running("");
+        EXPECT_EQ(ExecutableBaseName(), "ostrivane_tests");
+    }
+    EXPECT_EQ(ProgramNameOfLink("/opt/marker-tool (deleted)") + ProgramNameOfLink(""), "marker-toolostrivane");
+    const Renamed renamed("marker-tool");
     desktop.metrics[2] = 3200;
     ASSERT_TRUE(frm.Form_Load(""));
-    EXPECT_EQ(frm.DataFile, DataDir() + "/ostrivane.ini");
-    // The grab box starts unchecked on the form; its default of 1 clicks it,
-    // and its click writes the key.
-    EXPECT_TRUE(ReadDataFile().starts_with(
-        "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=3200x1080\r\nPC="))
-        << ReadDataFile();
+    EXPECT_EQ(frm.DataFile, DataDir() + "/marker-tool.ini");
+    // The grab box starts unchecked; its default of 1 clicks it, and its click writes the key.
+    EXPECT_TRUE(ReadDataFile().starts_with("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=3200x1080\r\nPC="));
     EXPECT_TRUE(ReadDataFile().ends_with("\r\nAllowGrabMarkers=1\r\n"));
     EXPECT_EQ(frm.lstGroups.ListCount(), 0);
+    dialogs.msgBoxAnswers = {vbOK};
+    frm.mnuHelpHelp.PerformClick();
+    EXPECT_TRUE(dialogs.asked.back().prompt.starts_with("Commandline:   marker-tool.exe  [options]\r\n"));
+    std::string caption;
+    desktop.whileModal = [&](form::Form& box) { caption = box.Caption(); };
+    lib_ShowInfo(desktop, "x", 0);
+    EXPECT_TRUE(caption.starts_with("marker-tool(")) << caption;
 }
 
 TEST_F(StartupOrdered, CaptionMetricsFormAndTrayInTheirOrder) {
@@ -110,67 +113,47 @@ TEST_F(StartupOrdered, CaptionMetricsFormAndTrayInTheirOrder) {
     EXPECT_EQ(log, (Lines{kGuard, "GetSystemMetrics 79", "GetSystemMetrics 78", "GetSystemMetrics 76",
                           "GetSystemMetrics 77", "SetTopmost off", "AddTrayIcon "}));
     EXPECT_EQ(frm.Caption(), "Ostrivane ");  // the trailing blank is what a second copy looks for
-    EXPECT_EQ(frm.screen.ScreenLeft, -1280);
-    EXPECT_EQ(frm.screen.ScreenTop, -24);
-    EXPECT_EQ(frm.txtHmax.Text(), "1920");
-    EXPECT_EQ(frm.txtVmax.Text(), "1080");
+    EXPECT_EQ(std::tie(frm.screen.ScreenLeft, frm.screen.ScreenTop), std::make_tuple(-1280, -24));
+    EXPECT_EQ(frm.txtHmax.Text() + "x" + frm.txtVmax.Text(), "1920x1080");
     EXPECT_EQ(frm.scrNudgeX.Min(), -1279);  // the nudge ranges follow the metrics
-    EXPECT_TRUE(frm.Visible());
+    EXPECT_TRUE(frm.Visible() && frm.TrayIconCreated && !frm.Showing);
     EXPECT_EQ(std::make_pair(frm.Left, frm.Top), std::make_pair(1000, 1000));
-    EXPECT_TRUE(frm.TrayIconCreated);
-    EXPECT_FALSE(frm.Showing);
     EXPECT_EQ(frm.txtChangeModeHid.Text(), "txtChangeModeHid");  // no instruction without a command line
-
     desktop.metrics[3] = 32768;
     EXPECT_EQ(ErrorOf([&] { frm.ReadScreenMetrics(); }), kOverflow);
 }
 
-class StartupSettings : public StartupTest {};
-
-TEST_F(StartupSettings, ReadFromTheDefaultsSection) {
-    struct Row {
-        const char* lines;
-        int thickness, copy, flash, grab;
-        bool stayOnTop;
-        int proximity;
-    };
-    const Row rows[] = {
-        {"", 1, 0, 0, 1, false, 10},
+// Thickness, the three boxes, stay on top, proximity: as read from the file.
+TEST_F(StartupTest, SettingsReadFromTheDefaultsSection) {
+    const std::pair<const char*, std::vector<int>> rows[] = {
+        {"", {1, 0, 0, 1, 0, 10}},
         {"AddMarkerThickness=3\r\nCopyCurrOnAdd=1\r\nFlashSelected=1\r\nAllowGrabMarkers=0\r\nStayOnTop=1\r\n"
          "GrabProximity=4\r\n",
-         3, 1, 1, 0, true, 4},
-        {"StayOnTop=2\r\nFlashSelected=2\r\n", 1, 0, 2, 1, false, 10},
+         {3, 1, 1, 0, 1, 4}},
+        {"StayOnTop=2\r\nFlashSelected=2\r\n", {1, 0, 2, 1, 0, 10}},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.lines);
-        WriteDefaults(row.lines);
+    for (const auto& [lines, values] : rows) {
+        SCOPED_TRACE(lines);
+        WriteDefaults(lines);
         fakes::FakeDesktop t;
         MainForm f(dialogs, overlay, t);
         f.settings = &settings;
         ASSERT_TRUE(f.Form_Load(""));
-        EXPECT_EQ(f.AddMarkerThickness, row.thickness);
-        EXPECT_EQ(f.GrabProximity, row.proximity);
-        EXPECT_EQ(f.chkCopyCurrOnAdd.Value(), row.copy);
-        EXPECT_EQ(f.chkFlashSelected.Value(), row.flash);
-        EXPECT_EQ(f.chkAllowGrabMarkers.Value(), row.grab);
-        EXPECT_EQ(f.mnuFlashSelected.Checked(), row.flash != 0);
-        EXPECT_EQ(f.mnuStayOnTop.Checked(), row.stayOnTop);
-        EXPECT_EQ(t.calls[1], std::string("SetTopmost frmMain ") + (row.stayOnTop ? "on" : "off"));
+        EXPECT_EQ((std::vector<int>{f.AddMarkerThickness, f.chkCopyCurrOnAdd.Value(), f.chkFlashSelected.Value(),
+                                    f.chkAllowGrabMarkers.Value(), f.mnuStayOnTop.Checked(), f.GrabProximity}),
+                  values);
+        EXPECT_EQ(f.mnuFlashSelected.Checked(), values[2] != 0);
+        EXPECT_EQ(t.calls[1], std::string("SetTopmost frmMain ") + (values[4] ? "on" : "off"));
     }
 }
 
-TEST_F(StartupSettings, GroupsListedNoneLoaded) {
+TEST_F(StartupTest, GroupsListedNoneLoadedAndBadValuesAreUntrapped) {
     WriteDefaults("[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n");
     frm.CurrentGroup = 3;
     ASSERT_TRUE(frm.Form_Load(""));
     EXPECT_EQ(frm.lstGroups.ListCount(), 2);
-    EXPECT_EQ(frm.lstGroups.ListIndex(), -1);
-    EXPECT_EQ(frm.CurrentGroup, -1);
-    EXPECT_EQ(frm.store.MarkerCount, 0);
+    EXPECT_EQ(std::make_tuple(frm.lstGroups.ListIndex(), frm.CurrentGroup, frm.store.MarkerCount), std::make_tuple(-1, -1, 0));
     EXPECT_FALSE(frm.Loading);
-}
-
-TEST_F(StartupSettings, BadValuesAreUntrappedErrors) {
     const std::tuple<const char*, int> rows[] = {
         {"CopyCurrOnAdd=yes\r\n", kTypeMismatch},
         {"AllowGrabMarkers=5\r\n", form::kInvalidPropertyValue},
@@ -184,34 +167,11 @@ TEST_F(StartupSettings, BadValuesAreUntrappedErrors) {
     EXPECT_EQ(ErrorOf([&] { frm.LoadSettings(); }), 91);
 }
 
-TEST_F(StartupSettings, ShowOnTheCommandLineWithNoGroupAsksForOne) {
-    WriteDefaults("HideOnGo=1\r\n");
-    ASSERT_TRUE(frm.Form_Load("/SHOW"));
-    EXPECT_TRUE(frm.Showing);
-    EXPECT_EQ(frm.lblMsg.Caption(), "Select a group or add a marker");
-    EXPECT_TRUE(frm.Visible());
-}
-
-TEST_F(StartupSettings, GroupOnTheCommandLineIsLoadedAndShown) {
+TEST_F(StartupTest, GroupOnTheCommandLineIsLoadedAndShown) {
     WriteDefaults("[Alpha]\r\nDataFormat=1\r\n1=400,300,-2,-2,65280,3,60,0,\r\n");
     ASSERT_TRUE(frm.Form_Load("  \"ALPHA\" "));
     EXPECT_EQ(frm.txtChangeModeHid.Text(), "\"alpha\"");
-    EXPECT_EQ(frm.CurrentGroup, 0);
-    EXPECT_EQ(frm.store.MarkerCount, 1);
-    EXPECT_TRUE(frm.Showing);
-}
-
-TEST_F(StartupTest, OnlyTheCloseBoxHidesToTheTrayAndCancels) {
-    for (int mode = 0; mode <= 5; ++mode) {
-        frm.SetVisible(true);
-        frm.SetWindowState(form::WindowState::Normal);
-        bool cancel = false;
-        frm.Form_QueryUnload(cancel, mode);
-        EXPECT_EQ(cancel, mode == 0) << mode;
-        EXPECT_EQ(frm.Visible(), mode != 0) << mode;
-        EXPECT_EQ(frm.GetWindowState() == form::WindowState::Minimized, mode == 0) << mode;
-    }
-    EXPECT_TRUE(overlay.calls.empty());
+    EXPECT_EQ(std::make_tuple(frm.CurrentGroup, frm.store.MarkerCount, frm.Showing), std::make_tuple(0, 1, true));
 }
 
 class Shutdown : public StartupOrdered {
@@ -231,20 +191,16 @@ TEST_F(Shutdown, TrayExitDestroysTheLinesBeforeAskingThenEnds) {
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows",
                           "MsgBox There are unsaved changes. Save now (or they will be lost)?",
                           "UnregisterMarkerClasses", "RemoveTrayIcon", "ReleaseInstance", "EndProgram"}));
-    EXPECT_FALSE(frm.Showing);
-    EXPECT_TRUE(frm.Unloading);
-    EXPECT_EQ(frm.MouseMode, 0);
-    EXPECT_FALSE(frm.InstanceGuard.owned);
+    EXPECT_TRUE(!frm.Showing && frm.Unloading && frm.MouseMode == 0 && !frm.InstanceGuard.owned);
 }
 
-TEST_F(Shutdown, NothingToGiveBackWithoutIconOrGuard) {
+TEST_F(Shutdown, NothingToGiveBackWithoutIconOrGuardAndFailuresSkipStepByStep) {
     frm.TrayIconCreated = false;
     frm.InstanceGuard.owned = false;
     frm.mnuExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows", "UnregisterMarkerClasses", "EndProgram"}));
-}
-
-TEST_F(Shutdown, TailFailuresAreSkippedStepByStep) {
+    log.clear();
+    frm.TrayIconCreated = frm.InstanceGuard.owned = true;
     desktop.failing = {"RemoveTrayIcon", "ReleaseInstance"};
     frm.cmdExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows", "UnregisterMarkerClasses", "RemoveTrayIcon", "ReleaseInstance",
@@ -256,15 +212,14 @@ TEST_F(StartupTest, StayOnTopFlipsSavesAndAppliesUnlessLoading) {
     for (const char* expected : {"1", "0"}) {
         frm.mnuStayOnTop.PerformClick();
         EXPECT_EQ(frm.mnuStayOnTop.Checked(), expected[0] == '1');
-        EXPECT_EQ(Key("StayOnTop"), expected);
+        EXPECT_EQ(lib_ProfileGetString("Defaults", "StayOnTop", "absent", frm.DataFile), expected);
         EXPECT_EQ(desktop.calls.back(), std::string("SetTopmost frmMain ") + (expected[0] == '1' ? "on" : "off"));
         EXPECT_FALSE(frm.Loading);
     }
     frm.Loading = true;
     frm.ToggleStayOnTop(true);
-    EXPECT_FALSE(frm.mnuStayOnTop.Checked());
+    EXPECT_TRUE(!frm.mnuStayOnTop.Checked() && frm.Loading);
     EXPECT_EQ(desktop.calls.size(), 2u);
-    EXPECT_TRUE(frm.Loading);
 }
 
 }  // namespace

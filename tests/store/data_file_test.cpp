@@ -1,9 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "support/run_time_error.hpp"
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
 #include "fakes/memory_setting_store.hpp"
@@ -18,18 +19,27 @@
 namespace ostrivane {
 namespace {
 
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
 std::string ReadAll(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
+// "number|description" of the run-time error that f raises; "" for none.
+std::string ErrorTextOf(const std::function<void()>& f) {
+    try {
+        f();
+    } catch (const RuntimeError& e) {
+        return std::to_string(e.number()) + "|" + e.description();
+    }
+    return "";
+}
+
 class DataFileTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        settings.SaveSetting(kAppTitle, "Settings", "DataDir", dir.file("data/nested/Ostrivane"));
-        screen.ScreenWidth = 1920;
-        screen.ScreenHeight = 1080;
-    }
+    void SetUp() override { settings.SaveSetting(kAppTitle, "Settings", "DataDir", dir.file("data/nested/Ostrivane")); }
     std::string NewDataFile(const std::string& contents) {
         std::ofstream(dir.file("given.ini"), std::ios::binary) << contents;
         return dir.file("given.ini");
@@ -37,7 +47,7 @@ protected:
 
     TempDir dir;
     fakes::MemorySettingStore settings;
-    ScreenMetrics screen;
+    ScreenMetrics screen{1920, 1080, 0, 0};
     MarkerRow defaults = BuiltInGlobalDefaults();
 };
 
@@ -47,66 +57,94 @@ TEST_F(DataFileTest, PathIsDataDirAndExecutableName) {
     EXPECT_EQ(DataDirSetting(fakes::MemorySettingStore()), "/tmp/xdg-data-test/Ostrivane");
 }
 
-TEST_F(DataFileTest, FirstRunCreatesDirectoryAndKeysInOrder) {
-    const std::string file = InitDataFile(settings);
-    ASSERT_TRUE(std::filesystem::is_regular_file(file));
-    EXPECT_EQ(ReadAll(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n");
-
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(ReadAll(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1920x1080\r\nPC=" +
-                                 lib_GetComputerName() + "\r\n");
-
-    // a second start leaves an existing file alone and writes nothing more
-    const std::string before = ReadAll(file);
-    EXPECT_EQ(InitDataFile(settings), file);
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(ReadAll(file), before);
+// An empty file is a first run; a place that holds no usable file ends the
+// start with the file's name and what is wrong with it.
+TEST_F(DataFileTest, InitCreatesAMissingOrEmptyFileAndTellsWhyOthersCannotServe) {
+    const std::string file = DataFilePath(settings), data = dir.file("data"), home = DataDirSetting(settings);
+    const std::pair<std::function<void()>, std::string> rows[] = {
+        {[] {}, ""},
+        {[&] { fs::create_directories(home), std::ofstream(file).flush(); }, ""},
+        {[&] { fs::create_directories(file); }, "is a directory, not a file"},
+        {[&] { fs::create_directories(home), fs::create_symlink(file, file); },
+         "cannot be read: Too many levels of symbolic links"},
+        {[&] { fs::create_directories(data), std::ofstream(data + "/nested").flush(); }, "cannot be created: Not a directory"},
+        {[&] { fs::create_directories(home), mkfifo(file.c_str(), 0600); }, "is not a regular file"}};
+    for (const auto& [make, problem] : rows) {
+        fs::remove_all(data);
+        make();
+        const std::string error = ErrorTextOf([&] { EXPECT_EQ(InitDataFile(settings), file); });
+        EXPECT_EQ(error.empty() ? ReadAll(file) : error, problem.empty() ? "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n"s
+                                                                         : "75|The data file " + file + " " + problem + ".");
+    }
+    // What a write that was killed left beside the file goes at the next start.
+    const std::string leftover = home + "/.ostrivane.ini.999999999.1.tmp";
+    fs::remove(file);
+    std::ofstream(leftover).flush();
+    InitDataFile(settings);
+    EXPECT_FALSE(fs::exists(leftover));
 }
 
-TEST_F(DataFileTest, ScreenResWaitsForKnownMetrics) {
-    const std::string file = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
-    LoadGlobalDefaults(defaults, file, screen, false);
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "ScreenRes", "?", file), "?");
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "PC", "", file), "box");
+TEST_F(DataFileTest, FirstRunWritesTheKeysInOrder) {
+    const std::string file = InitDataFile(settings);
+    LoadGlobalDefaults(defaults, file, screen, true);
+    const std::string written = ReadAll(file);
+    EXPECT_EQ(written, "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1920x1080\r\nPC=" +
+                           lib_GetComputerName() + "\r\n");
+    // a second start leaves an existing file alone and writes nothing more
+    EXPECT_EQ(InitDataFile(settings), file);
+    LoadGlobalDefaults(defaults, file, screen, true);
+    EXPECT_EQ(ReadAll(file), written);
+    // ScreenRes waits for known metrics
+    const std::string given = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
+    LoadGlobalDefaults(defaults, given, screen, false);
+    EXPECT_EQ(lib_ProfileGetString("Defaults", "ScreenRes", "?", given) + lib_ProfileGetString("Defaults", "PC", "", given),
+              "?box");
 }
 
 // Format 0 leaves Dotted as it was; format 1 puts part 7 in Dotted and, one
-// column above its index, in HwndH too; other formats read nothing.
+// column above its index, in HwndH too; other formats read nothing. A
+// byte-order mark and a DataFormat line without "=" are read as the platform
+// reads them.
 TEST_F(DataFileTest, DefaultsLineByFormat) {
-    struct Row { const char* format; const char* line; std::vector<std::int32_t> cells; };
-    const Row rows[] = {{"", "0,0,40,50,65280,3,60,1,", {40, 50, 65280, 3, 60, 0, 7}},
-                        {"DataFormat=1\r\n", "0,0,-2,30,255,5,90,1,", {-2, 30, 255, 5, 90, 1, 1}},
-                        {"DataFormat=2\r\n", "garbage", {-2, -2, 255, 1, 100, 0, 7}}};
+    struct Row { const char* head; const char* line; std::vector<std::int32_t> cells; };
+    const Row rows[] = {{"[Defaults]\r\n", "0,0,40,50,65280,3,60,1,", {40, 50, 65280, 3, 60, 0, 7}},
+                        {"\xEF\xBB\xBF[Defaults]\r\nDataFormat\r\n", "0,0,40,50,65280,3,60,1,", {40, 50, 65280, 3, 60, 0, 7}},
+                        {"[Defaults]\r\nDataFormat=1\r\n", "0,0,-2,30,255,5,90,1,", {-2, 30, 255, 5, 90, 1, 1}},
+                        {"[Defaults]\r\nDataFormat=2\r\n", "garbage", {-2, -2, 255, 1, 100, 0, 7}}};
     for (const Row& r : rows) {
         MarkerRow d = BuiltInGlobalDefaults();
         d[Dotted] = 7;
-        const std::string file = NewDataFile("[Defaults]\r\n" + std::string(r.format) + "Defaults=" + r.line + "\r\nPC=x\r\n");
-        LoadGlobalDefaults(d, file, screen, true);
+        LoadGlobalDefaults(d, NewDataFile(r.head + "Defaults="s + r.line + "\r\nPC=x\r\n"), screen, true);
         EXPECT_EQ((std::vector<std::int32_t>{d[Hlen], d[Vlen], d[Colour], d[Thickness], d[Opacity], d[HwndH], d[Dotted]}),
                   r.cells) << r.line;
     }
 }
 
+// The error keeps its number and names the file and the line.
 TEST_F(DataFileTest, BadDefaultsLinesRaiseWithPartialAssignments) {
-    struct Row { const char* contents; int error; std::int32_t hlenAfter; };
+    struct Row { const char* contents; int error; std::int32_t hlenAfter; const char* told; };
     const Row rows[] = {
-        {"Defaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40},
-        {"Defaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41},
-        {"Defaults=0,0,45,50,\r\n", kTypeMismatch, 45},  // the empty last part is read too
-        {"DataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42},
-        {"DataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43},
-        {"DataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2},
-        {"Defaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2},
+        {"[Defaults]\r\nDefaults=0,0,40,x,255,1,100,0,\r\n", kTypeMismatch, 40, "Defaults line \"0,0,40,x,"},
+        {"[Defaults]\r\nDefaults=0,0,41,50\r\n", kSubscriptOutOfRange, 41, "(Subscript out of range)"},
+        {"[Defaults]\r\nDefaults=0,0,45,50,\r\n", kTypeMismatch, 45, "(Type mismatch)"},  // the empty last part too
+        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,42,50,255,1,100\r\n", kSubscriptOutOfRange, 42, "Defaults line"},
+        {"[Defaults]\r\nDataFormat=1\r\nDefaults=0,0,43,4,5,6,7,8,9,10,11,12,13,14,\r\n", kSubscriptOutOfRange, 43, ""},
+        {"[Defaults]\r\nDataFormat=one\r\nDefaults=0,0,44,50,255,1,100,0,\r\n", kTypeMismatch, -2, "DataFormat line \"one\""},
+        {"[Defaults]\r\nDefaults=0,0,99999999999,50,255,1,100,0,\r\n", kOverflow, -2, "(Overflow)"},
+        {"[Defaults]\r\nDefaults\r\nPC=x\r\n", kTypeMismatch, -2, "has no Defaults line"},
+        {"\x9c\x01[Def\xffults]\nDefaults=1\n\x7f", kTypeMismatch, -2, "has no Defaults line"},
     };
     for (const Row& r : rows) {
         MarkerRow d = BuiltInGlobalDefaults();
-        const std::string file = NewDataFile("[Defaults]\r\n" + std::string(r.contents));
-        EXPECT_EQ(ErrorOf([&] { LoadGlobalDefaults(d, file, screen, true); }), r.error) << r.contents;
+        const std::string file = NewDataFile(r.contents);
+        const std::string error = ErrorTextOf([&] { LoadGlobalDefaults(d, file, screen, true); });
+        EXPECT_TRUE(error.starts_with(std::to_string(r.error) + "|The data file " + file + " cannot be used: ")) << error;
+        EXPECT_NE(error.find(r.told), std::string::npos) << error;
         EXPECT_EQ(d[Hlen], r.hlenAfter) << r.contents;
     }
 }
 
-TEST(GroupSection, BuildsTheDocumentedLines) {
+TEST(GroupSection, BuildsTheDocumentedLinesAndNotesLineBreaks) {
     MarkerTable t;
     for (int c : {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) t(0, c) = -1;
     const std::int32_t rows[2][8] = {{400, 300, -2, -2, 65280, 3, 60, 0}, {100, 100, 50, 50, -1, -1, -1, -1}};
@@ -114,16 +152,12 @@ TEST(GroupSection, BuildsTheDocumentedLines) {
     for (int i = 0; i < 8; ++i) t(1, cols[i]) = rows[0][i], t(2, cols[i]) = rows[1][i];
     t(1, HwndH) = 12345;  // run-time columns never reach the file
     t(3, Hpos) = 777;     // a stale row beyond the list count
-    using namespace std::string_literals;
     EXPECT_EQ(BuildGroupSection(t, 2, "First line\r\nSecond line"),
               "DataFormat=1\0Defaults=0,0,-1,-1,-1,-1,-1,-1,\0"
               "1=400,300,-2,-2,65280,3,60,0,\0"
               "2=100,100,50,50,-1,-1,-1,-1,\0"
               "Notes=First line\xffSecond line\0\0"s);
     EXPECT_EQ(BuildGroupSection(t, 0, ""), "DataFormat=1\0Defaults=0,0,-1,-1,-1,-1,-1,-1,\0Notes=\0\0"s);
-}
-
-TEST(GroupSection, NotesLineBreaks) {
     EXPECT_EQ(NotesToFileText("a\r\nb\r\n\r\rlone\ncr\r"), "a\xff" "b\xff\r\rlone\ncr\r");
     EXPECT_EQ(FileTextToNotes("a\xff" "b"), "a\r\nb");
 }
