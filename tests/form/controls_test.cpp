@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "fakes/fake_platform.hpp"
 #include "form/controls.hpp"
 #include "form/form.hpp"
 #include "lib/errors.hpp"
@@ -117,6 +116,7 @@ TEST(FormModelLists, ExtendedSelectionAndItemEdits) {
     EXPECT_EQ(Selection(single), ".X");
 }
 
+// A second write of the same value is not reported.
 TEST(FormModelBinding, PropertyChangesAreReported) {
     Form f("frmTest");
     CommandButton cmd(&f, "cmd");
@@ -133,31 +133,3 @@ TEST(FormModelBinding, PropertyChangesAreReported) {
 
 }  // namespace
 }  // namespace ostrivane::form
-
-namespace ostrivane::fakes {
-namespace {
-
-TEST(ManualClockTest, FiresDueTicksInTimeOrder) {
-    form::Form f("frmTest");
-    form::Timer fast(&f, "fast", 5);
-    form::Timer slow(&f, "slow", 200);
-    form::Timer once(&f, "once", 1);
-    ManualClock clock;
-    std::vector<std::string> log;
-    for (form::Timer* t : {&fast, &slow, &once}) {
-        clock.Watch(*t);
-        t->Tick.Connect([&, t] {
-            log.push_back(t->Name() + "@" + std::to_string(clock.Now()));
-            if (t == &once) once.SetTimerEnabled(false), fast.SetTimerEnabled(false);  // a deferred call: one tick
-        });
-    }
-    fast.SetTimerEnabled(true);
-    clock.Advance(12);
-    once.SetTimerEnabled(true);
-    slow.SetTimerEnabled(true);
-    clock.Advance(300);
-    EXPECT_EQ(log, (std::vector<std::string>{"fast@5", "fast@10", "once@13", "slow@212"}));
-}
-
-}  // namespace
-}  // namespace ostrivane::fakes
