@@ -225,33 +225,32 @@ protected:
     Lines requests;
 };
 
-TEST_F(ShowMessageTest, EntriesBeepAndType) {
-    lib_ShowCritical(desktop, "Bad", 0);
-    lib_ShowWarning(desktop, "Odd", 12);
-    lib_ShowInfo(desktop, "Fine", 0);
-    EXPECT_EQ(requests, (Lines{"1   0Bad", "2  12Odd", "3   0Fine"}));
-    EXPECT_EQ(desktop.calls,
-              (Lines{"Beep", "ShowModal frmMsgBox", "Beep", "ShowModal frmMsgBox", "ShowModal frmMsgBox"}));
-}
-
-// From 1250 characters on, two boxes: cut after the last break up to position
-// 990, else at 1240; the second part is not split again.
-TEST_F(ShowMessageTest, LongMessagesSplitInTwo) {
+// Critical and warning beep first. From 1250 characters on, two boxes: cut
+// after the last break up to position 990, else at 1240; the second part is
+// not split again.
+TEST_F(ShowMessageTest, EntriesBeepTypeAndSplitLongMessagesInTwo) {
+    using Entry = void (*)(Desktop&, std::string_view, std::int16_t);
+    const std::pair<Entry, std::string> entries[] = {{lib_ShowCritical, "1  12"}, {lib_ShowWarning, "2  12"},
+                                                     {lib_ShowInfo, "3  12"}};
     const struct { std::size_t length; std::vector<std::size_t> breaks; char breakChar; std::size_t cut; } cases[] = {
         {1249, {}, ' ', 0}, {1250, {}, ' ', 1240}, {4000, {}, ' ', 1240}, {1300, {500, 990, 1000}, ' ', 990},
         {1300, {10}, '\n', 10}, {1300, {10, 700}, '\r', 700}, {1300, {1}, ' ', 1}, {1300, {991, 1200}, ' ', 1240},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::Message() << c.length << " cut " << c.cut);
+        {3, {}, ' ', 0}};
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        const auto& c = cases[i];
+        const auto& [show, head] = entries[i % 3];
+        SCOPED_TRACE(::testing::Message() << c.length << " cut " << c.cut << " type " << head);
         std::string message(c.length, ' ');
-        for (std::size_t i = 0; i < message.size(); ++i) message[i] = static_cast<char>('a' + i % 26);
+        for (std::size_t k = 0; k < message.size(); ++k) message[k] = static_cast<char>('a' + k % 26);
         for (const std::size_t b : c.breaks) message[b - 1] = c.breakChar;
         requests.clear();
-        lib_ShowMessage(desktop, "1", message, 7, "");
-        if (c.cut == 0)
-            EXPECT_EQ(requests, Lines{"1   7" + message});
-        else
-            EXPECT_EQ(requests, (Lines{"1   7" + message.substr(0, c.cut) + "...(contd)", "1   7" + message.substr(c.cut)}));
+        desktop.calls.clear();
+        show(desktop, message, 12);
+        Lines boxes(c.cut == 0 ? 1 : 2, "ShowModal frmMsgBox");
+        if (head[0] != '3') boxes.insert(boxes.begin(), "Beep");
+        EXPECT_EQ(desktop.calls, boxes);
+        EXPECT_EQ(requests, c.cut == 0 ? Lines{head + message}
+                                       : Lines({head + message.substr(0, c.cut) + "...(contd)", head + message.substr(c.cut)}));
     }
 }
 

@@ -20,7 +20,6 @@
 namespace ostrivane::fakes {
 
 struct Question {
-    enum Kind { kMsgBox, kInputBox, kChooseColor } kind;
     std::string prompt;
     int flags = 0;
     std::string title;
@@ -38,19 +37,18 @@ public:
     std::vector<Question> asked;
 
     int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
-        asked.push_back({Question::kMsgBox, prompt, flags, title, {}, std::nullopt, 0});
+        asked.push_back({prompt, flags, title, {}, std::nullopt, 0});
         return Take(msgBoxAnswers, "message box: " + prompt);
     }
     std::string InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,
                          std::optional<TwipPoint> position) override {
-        asked.push_back({Question::kInputBox, prompt, 0, title, proposal, position, 0});
+        asked.push_back({prompt, 0, title, proposal, position, 0});
         return Take(inputBoxAnswers, "input box: " + prompt);
     }
     std::int32_t ChooseColor(std::int32_t colour) override {
-        asked.push_back({Question::kChooseColor, {}, 0, {}, {}, std::nullopt, colour});
+        asked.push_back({{}, 0, {}, {}, std::nullopt, colour});
         return Take(colourAnswers, "colour chooser");
     }
-    bool AllAnswersUsed() const { return msgBoxAnswers.empty() && inputBoxAnswers.empty() && colourAnswers.empty(); }
 
 private:
     template <class T>
@@ -62,9 +60,13 @@ private:
     }
 };
 
+// Records into its own list of calls or into a log shared with other fakes.
 class FakeOverlay final : public Overlay {
 public:
-    std::vector<std::string> calls;
+    FakeOverlay() = default;
+    explicit FakeOverlay(std::vector<std::string>& log) : calls(log) {}
+    std::vector<std::string> ownCalls;
+    std::vector<std::string>& calls = ownCalls;
     void ShowMarker(int row) override { calls.push_back("ShowMarker " + std::to_string(row)); }
     void ShowAllMarkers() override { calls.push_back("ShowAllMarkers"); }
     void DestroyMarkerWindows(int row) override { calls.push_back("DestroyMarkerWindows " + std::to_string(row)); }
@@ -84,13 +86,7 @@ public:
     std::function<void(form::Form&)> whileModal;
 
     std::int32_t GetSystemMetrics(int index) override {
-        switch (index) {
-            case SM_XVIRTUALSCREEN: return metrics[0];
-            case SM_YVIRTUALSCREEN: return metrics[1];
-            case SM_CXVIRTUALSCREEN: return metrics[2];
-            case SM_CYVIRTUALSCREEN: return metrics[3];
-            default: return 0;
-        }
+        return index >= SM_XVIRTUALSCREEN && index <= SM_CYVIRTUALSCREEN ? metrics[index - SM_XVIRTUALSCREEN] : 0;
     }
     void SetForegroundWindow(form::Form& f) override { calls.push_back("SetForegroundWindow " + f.Name()); }
     void SetTopmost(form::Form& f, bool on) override {

@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "fakes/fake_platform.hpp"
 #include "form/controls.hpp"
 #include "form/form.hpp"
 #include "lib/errors.hpp"
 #include "platform/desktop.hpp"
 #include "platform/dialogs.hpp"
-#include "platform/overlay.hpp"
 
 namespace ostrivane::fakes {
 
@@ -42,18 +42,7 @@ private:
     OrderedLog& log_;
 };
 
-class OrderedOverlay final : public Overlay {
-public:
-    explicit OrderedOverlay(OrderedLog& log) : log_(log) {}
-    void ShowMarker(int row) override { log_.push_back("ShowMarker " + std::to_string(row)); }
-    void ShowAllMarkers() override { log_.push_back("ShowAllMarkers"); }
-    void DestroyMarkerWindows(int row) override { log_.push_back("DestroyMarkerWindows " + std::to_string(row)); }
-    void DestroyAllMarkerWindows() override { log_.push_back("DestroyAllMarkerWindows"); }
-    void UnregisterMarkerClasses() override { log_.push_back("UnregisterMarkerClasses"); }
-
-private:
-    OrderedLog& log_;
-};
+using OrderedOverlay = FakeOverlay;
 
 class OrderedDesktop final : public Desktop {
 public:
