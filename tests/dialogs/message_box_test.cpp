@@ -66,19 +66,25 @@ TEST_F(MsgBoxFormTest, CaptionsAndTrimmedText) {
     for (const auto& [got, expected] : texts) EXPECT_EQ(got, expected);
 }
 
-TEST_F(MsgBoxFormTest, TypeDigitChoosesSignButtonsFocusAndDefaultAnswer) {
-    const struct { char type; const char* picture; bool yesNo; const char* focus; int answer; } cases[] = {
-        {'1', "picCritical", false, "cmdOk", -1}, {'2', "picExclamation", false, "cmdOk", -1},
-        {'3', "picInformation", false, "cmdOk", -1}, {'4', "picQuestion", true, "cmdYes", 1},
-        {'5', "picQuestion", true, "cmdNo", 0},   {'0', "", false, "cmdOk", -1},  // -1: answer not touched
-        {'x', "", false, "cmdOk", -1},            {'7', "", true, "cmdNo", 0},
-    };
+// The type digit chooses the sign, the buttons, the focus and the default
+// answer. Each extra line moves everything below the text down by one line
+// height; 128 lines are the most the 16-bit sizes allow.
+TEST_F(MsgBoxFormTest, TypeDigitAndLineCountShapeTheBox) {
+    const struct { char type; const char* picture; bool yesNo; const char* focus; int answer; std::string text; int lines; }
+        cases[] = {
+            {'1', "picCritical", false, "cmdOk", -1, "Short", 1}, {'2', "picExclamation", false, "cmdOk", -1, "A@B", 2},
+            {'3', "picInformation", false, "cmdOk", -1, std::string(80, 'w'), 2},
+            {'4', "picQuestion", true, "cmdYes", 1, "a@b@c@d", 4},
+            {'5', "picQuestion", true, "cmdNo", 0, std::string(127, '@'), 128},
+            {'0', "", false, "cmdOk", -1, "", 1},  // -1: answer not touched
+            {'x', "", false, "cmdOk", -1, "", 1}, {'7', "", true, "cmdNo", 0, "", 1},
+        };
     for (const auto& c : cases) {
         for (const bool before : {false, true}) {
             SCOPED_TRACE(std::string("type ") + c.type + (before ? ", answer was True" : ", answer was False"));
             MessageAnswer = before;
-            MessageText = std::string(1, c.type) + "   0Question";
-            MsgBoxForm box(desktop);
+            MessageText = std::string(1, c.type) + "   0" + c.text;
+            MsgBoxForm design(desktop), box(desktop);
             box.Form_Load();
             for (const form::PictureBox* pic :
                  {&box.picCritical, &box.picExclamation, &box.picInformation, &box.picQuestion})
@@ -90,29 +96,15 @@ TEST_F(MsgBoxFormTest, TypeDigitChoosesSignButtonsFocusAndDefaultAnswer) {
             EXPECT_EQ(box.ActiveControl()->Name(), c.focus);
             EXPECT_EQ(MessageAnswer, c.answer == -1 ? before : c.answer == 1);
             EXPECT_FALSE(box.Visible());  // shown only by the desktop
-            EXPECT_EQ(box.txtMessage.Text(), "Question");
+            const int grow = (c.lines - 1) * 255;
+            EXPECT_EQ(box.Height, design.Height + grow);
+            EXPECT_EQ(box.txtMessage.Height, c.lines * 255);
+            for (const auto b : {&MsgBoxForm::cmdOk, &MsgBoxForm::cmdYes, &MsgBoxForm::cmdNo, &MsgBoxForm::cmdCopy,
+                                 &MsgBoxForm::cmdPrint})
+                EXPECT_EQ((box.*b).Top, (design.*b).Top + grow) << (box.*b).Name();
+            EXPECT_EQ(box.lblCountDown.Top, design.lblCountDown.Top + grow);
+            EXPECT_EQ(box.txtMessage.Top + box.picCritical.Top, design.txtMessage.Top + design.picCritical.Top);
         }
-    }
-}
-
-// Each extra line moves everything below the text down by one line height;
-// 128 lines are the most the 16-bit sizes allow.
-TEST_F(MsgBoxFormTest, GrowsByOneLineHeightPerExtraLineUpTo128) {
-    const std::pair<std::string, int> cases[] = {
-        {"Short", 1}, {"First@Second", 2}, {std::string(80, 'w'), 2}, {"a@b@c@d", 4}, {std::string(127, '@'), 128}};
-    for (const auto& [message, lines] : cases) {
-        SCOPED_TRACE(lines);
-        MessageText = "3   0" + message;
-        MsgBoxForm design(desktop), box(desktop);
-        box.Form_Load();
-        const int grow = (lines - 1) * 255;
-        EXPECT_EQ(box.Height, design.Height + grow);
-        EXPECT_EQ(box.txtMessage.Height, lines * 255);
-        for (const auto c : {&MsgBoxForm::cmdOk, &MsgBoxForm::cmdYes, &MsgBoxForm::cmdNo, &MsgBoxForm::cmdCopy,
-                             &MsgBoxForm::cmdPrint})
-            EXPECT_EQ((box.*c).Top, (design.*c).Top + grow) << (box.*c).Name();
-        EXPECT_EQ(box.lblCountDown.Top, design.lblCountDown.Top + grow);
-        EXPECT_EQ(box.txtMessage.Top + box.picCritical.Top, design.txtMessage.Top + design.picCritical.Top);
     }
     MessageText = "3   0" + std::string(128, '@');
     MsgBoxForm box(desktop);
@@ -139,56 +131,37 @@ protected:
     std::vector<bool> stillUp;
 };
 
-TEST_F(ModalBoxTest, CountdownClosesWithTheDefaultAnswer) {
-    const struct { const char* type; bool before, after; } cases[] = {
-        {"4", false, true}, {"5", true, false}, {"1", true, true}, {"3", false, false}};  // 1, 3: not touched
+// Left alone, the countdown closes the box with the default answer; a button
+// closes and answers at once; Esc only stops the countdown and the box waits.
+TEST_F(ModalBoxTest, CountdownButtonsAndEsc) {
+    const struct { const char* type; form::CommandButton MsgBoxForm::*button; bool esc, before, after; const char* labels; }
+        cases[] = {
+            {"4", nullptr, false, false, true, "543210"},         {"5", nullptr, false, true, false, "543210"},
+            {"1", nullptr, false, true, true, "543210"},          {"3", nullptr, false, false, false, "543210"},
+            {"4", &MsgBoxForm::cmdNo, false, true, false, "540000"}, {"5", &MsgBoxForm::cmdYes, false, false, true, "540000"},
+            {"1", &MsgBoxForm::cmdOk, false, true, true, "540000"},  {"1", &MsgBoxForm::cmdOk, false, false, false, "540000"},
+            {"4", nullptr, true, false, true, "544444"},
+        };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.type);
-        Lines labels;
+        SCOPED_TRACE(::testing::Message() << c.type << " labels " << c.labels);
+        std::string labels;
         WhileUp([&](MsgBoxForm& box, fakes::ManualClock& clock) {
-            EXPECT_TRUE(box.lblCountDown.Visible());
-            labels.push_back(box.lblCountDown.Caption());
+            labels += box.lblCountDown.Caption();
+            clock.Advance(1000);
+            labels += box.lblCountDown.Caption();
+            int key = 27;
+            if (c.button) (box.*c.button).PerformClick();
+            if (c.esc) box.KeyPress.Raise(key);
             for (int s = 0; s < 4; ++s) {
                 clock.Advance(1000);
-                labels.push_back(box.lblCountDown.Caption());
-                EXPECT_TRUE(box.Visible());
+                labels += box.lblCountDown.Caption();
             }
-            clock.Advance(1000);
-            labels.push_back(box.lblCountDown.Caption());
-            EXPECT_FALSE(box.timTimer.TimerEnabled());
+            EXPECT_EQ(box.lblCountDown.Visible(), !c.esc);
         });
         MessageAnswer = c.before;
-        lib_ShowMessage(desktop, c.type, "Continue?", 5, "");
-        EXPECT_EQ(labels, (Lines{"5", "4", "3", "2", "1", "0"}));
-        EXPECT_EQ(stillUp, std::vector<bool>{false});
-        EXPECT_EQ(MessageAnswer, c.after);
-    }
-}
-
-// A button closes and answers; Esc only stops the countdown, and the box waits.
-TEST_F(ModalBoxTest, ButtonsCloseAndAnswerEscStopsTheCountdown) {
-    const struct { const char* type; form::CommandButton MsgBoxForm::*button; bool before, after; } cases[] = {
-        {"4", &MsgBoxForm::cmdNo, true, false}, {"5", &MsgBoxForm::cmdYes, false, true},
-        {"1", &MsgBoxForm::cmdOk, true, true},  {"1", &MsgBoxForm::cmdOk, false, false}, {"4", nullptr, false, true}};
-    for (const auto& c : cases) {
-        std::string label;
-        WhileUp([&](MsgBoxForm& box, fakes::ManualClock& clock) {
-            clock.Advance(1000);
-            if (c.button) {
-                (box.*c.button).PerformClick();
-            } else {
-                int key = 27;
-                box.KeyPress.Raise(key);
-                EXPECT_FALSE(box.lblCountDown.Visible());
-                clock.Advance(30000);
-            }
-            label = box.lblCountDown.Caption();
-            EXPECT_FALSE(box.timTimer.TimerEnabled());
-        });
-        MessageAnswer = c.before;
-        lib_ShowMessage(desktop, c.type, "Go on?", 10, "");
-        EXPECT_EQ(stillUp, std::vector<bool>{!c.button});
-        EXPECT_EQ(label, c.button ? "0" : "9");
+        lib_ShowMessage(desktop, c.type, "Go on?", 5, "");
+        EXPECT_EQ(labels, c.labels);
+        EXPECT_EQ(stillUp, std::vector<bool>{c.esc});
         EXPECT_EQ(MessageAnswer, c.after);
     }
 }

@@ -2,6 +2,7 @@
 // overlay calls recorded, and a manual clock for timers.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -172,46 +173,31 @@ public:
     }
 };
 
-// Fires due timer ticks in time order. A timer enabled at time t first
-// ticks at t + Interval; disabling it forgets its schedule.
+// Fires due timer ticks, a millisecond at a time. A timer enabled at time t
+// first ticks at t + Interval; disabling it forgets its schedule.
 class ManualClock {
 public:
     void Watch(form::Timer& timer) { timers_.push_back({&timer, -1}); }
 
-    long Now() const { return now_; }
-
-    // Advances the clock by ms, ticking each enabled timer whenever it is due.
     void Advance(long ms) {
-        const long end = now_ + ms;
-        for (;;) {
-            Schedule();
-            Entry* next = nullptr;
-            for (Entry& e : timers_)
-                if (e.due >= 0 && e.due <= end && (!next || e.due < next->due)) next = &e;
-            if (!next) break;
-            now_ = next->due;
-            next->due = now_ + Interval(*next->timer);
-            next->timer->Tick.Raise();
+        for (const long end = now_ + ms;; ++now_) {
+            for (auto& [timer, due] : timers_) {
+                const long next = now_ + std::max(1, timer->Interval());
+                if (!timer->TimerEnabled()) {
+                    due = -1;
+                } else if (due < 0) {
+                    due = next;
+                } else if (due == now_) {
+                    due = next;
+                    timer->Tick.Raise();
+                }
+            }
+            if (now_ == end) return;
         }
-        now_ = end;
-        Schedule();
     }
 
 private:
-    struct Entry {
-        form::Timer* timer;
-        long due;
-    };
-    static long Interval(const form::Timer& t) { return t.Interval() > 0 ? t.Interval() : 1; }
-    void Schedule() {
-        for (Entry& e : timers_) {
-            if (!e.timer->TimerEnabled())
-                e.due = -1;
-            else if (e.due < 0)
-                e.due = now_ + Interval(*e.timer);
-        }
-    }
-    std::vector<Entry> timers_;
+    std::vector<std::pair<form::Timer*, long>> timers_;
     long now_ = 0;
 };
 

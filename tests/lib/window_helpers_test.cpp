@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "fakes/fake_platform.hpp"
 #include "fakes/fake_window_system.hpp"
 #include "lib/errors.hpp"
 #include "lib/profile.hpp"
@@ -153,41 +152,31 @@ TEST(FileDialogs, RequestFilterBufferTitleAndFlags) {
     lib_GetSaveFile(ws, "", "", "", 0, longProposal, "");
 
     ASSERT_EQ(ws.saveRequests.size(), 2u);
-    const FileDialogRequest& save = ws.saveRequests[0];
+    ASSERT_EQ(ws.openRequests.size(), 1u);
+    const FileDialogRequest &save = ws.saveRequests[0], &open = ws.openRequests[0];
     EXPECT_EQ(save.filter, "INI (*.ini)\0*.ini\0"s);
     EXPECT_EQ(save.file, "Group1_Export" + std::string(256 - 13, '\0'));
     EXPECT_EQ(save.defaultExtension + "|" + save.initialDir + "|" + save.title, "ini|/home/u|Save exported file");
-    EXPECT_EQ(save.flags, 4);
-    EXPECT_EQ(save.owner, 77);
-    ASSERT_EQ(ws.openRequests.size(), 1u);
-    EXPECT_EQ(ws.openRequests[0].title, "Open");
-    EXPECT_EQ(ws.openRequests[0].flags, 4100);
-    EXPECT_EQ(ws.openRequests[0].file, std::string(256, '\0'));
+    EXPECT_EQ((std::vector<int>{save.flags, save.owner, open.flags}), (std::vector<int>{4, 77, 4100}));
+    EXPECT_EQ(open.title, "Open");
+    EXPECT_EQ(open.file, std::string(256, '\0'));
     // The default save title, an empty filter and a proposal that fills the whole buffer.
     EXPECT_EQ(ws.saveRequests[1].title, "Save As");
     EXPECT_EQ(ws.saveRequests[1].filter, " (*.)\0*.\0"s);
     EXPECT_EQ(ws.saveRequests[1].file, std::string(256, 'p'));
 }
 
-TEST(WindowHelpers, BusyFlagAndCursorColourChooserAndShowWindowReachThePlatform) {
+// The flag follows; the cursor only while one is attached.
+TEST(SetBusy, FlagFollowsAndTheAttachedCursorSwitches) {
     FakeWindowSystem ws;
-    lib_AttachBusyCursor(&ws);
-    lib_SetBusy(true);
-    EXPECT_TRUE(BusyState);
-    lib_SetBusy(false);
-    EXPECT_FALSE(BusyState);
-    lib_AttachBusyCursor(nullptr);
-    lib_SetBusy(true);
-    EXPECT_TRUE(BusyState);
-    lib_SetBusy(false);
+    for (WindowSystem* cursor : {static_cast<WindowSystem*>(&ws), static_cast<WindowSystem*>(nullptr)}) {
+        lib_AttachBusyCursor(cursor);
+        lib_SetBusy(true);
+        EXPECT_TRUE(BusyState);
+        lib_SetBusy(false);
+        EXPECT_FALSE(BusyState);
+    }
     EXPECT_EQ(ws.busyCursor, (std::vector<bool>{true, false}));
-    lib_ShowWindow(ws, 123, SW_MINIMIZE);
-    EXPECT_EQ(ws.shown, (std::vector<std::pair<WindowHandle, int>>{{123, 6}}));
-
-    fakes::FakeDialogs dialogs;
-    dialogs.colourAnswers = {-1};  // cancel
-    EXPECT_EQ(lib_ChooseColor(dialogs, 0x123456, 5), -1);
-    EXPECT_EQ(dialogs.asked.at(0).colour, 0x123456);
 }
 
 TEST(SetTabStops, CommaListToNumbersFailuresCountZero) {
