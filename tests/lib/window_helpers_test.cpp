@@ -46,17 +46,12 @@ TEST(SelectFindInList, FirstMatchWithoutRegardToCaseElseTheListIsLeftAlone) {
     EXPECT_EQ(list.ListIndex(), 1);
 }
 
-// A top-level window at 100,50 holding a child at 130,90.
-class WindowRects : public ::testing::Test {
-protected:
+// A top-level window at 100,50 holding a child at 130,90. Relative subtracts
+// the parent's left and top: the work area's for a top-level window, nothing
+// for a client area (it starts at 0,0); setting adds them back.
+TEST(WindowRects, GetAndSetRelativeToTheParentWithin32Bits) {
     FakeWindowSystem ws;
-    WindowHandle top = ws.Add(0, "Top", {100, 50, 500, 350});
-    WindowHandle child = ws.Add(top, "Child", {130, 90, 230, 140});
-};
-
-// Relative subtracts the parent's left and top: the work area's for a
-// top-level window, nothing for a client area (it starts at 0,0).
-TEST_F(WindowRects, GetRectAndTheParentsRect) {
+    const WindowHandle top = ws.Add(0, "Top", {100, 50, 500, 350}), child = ws.Add(top, "Child", {130, 90, 230, 140});
     ws.workArea = {10, 24, 1920, 1080};
     const struct { WindowHandle window; bool relative, client; Rectangle expected; } rows[] = {
         {0, false, false, ws.workArea},           {0, true, true, ws.workArea},
@@ -65,45 +60,32 @@ TEST_F(WindowRects, GetRectAndTheParentsRect) {
         {top, true, false, {90, 26, 490, 326}},     {top, true, true, {-10, -24, 390, 276}},
     };
     for (const auto& r : rows)
-        EXPECT_EQ(lib_GetRect(ws, r.window, r.relative, r.client), r.expected)
-            << r.window << " " << r.relative << r.client;
+        EXPECT_EQ(lib_GetRect(ws, r.window, r.relative, r.client), r.expected) << r.window << " " << r.relative << r.client;
     EXPECT_EQ(lib_GetParentRect(ws, top), ws.workArea);
     EXPECT_EQ(lib_GetParentRect(ws, child), (Rectangle{100, 50, 500, 350}));
-}
-
-TEST_F(WindowRects, SetRectMovesByWidthAndHeightRelativeAddsTheParentsAndOverflowsAt32Bits) {
-    ws.workArea = {0, 24, 1920, 1080};
-    lib_SetRect(ws, child, {5, 6, 105, 56}, false);
-    lib_SetRect(ws, child, {5, 6, 105, 56}, true);
+    for (const bool relative : {false, true}) lib_SetRect(ws, child, {5, 6, 105, 56}, relative);
     lib_SetRect(ws, top, {5, 6, 105, 56}, true);
-    const std::vector<FakeWindowSystem::Move> expected{
-        {child, 5, 6, 100, 50}, {child, 105, 56, 100, 50}, {top, 5, 30, 100, 50}};
-    EXPECT_EQ(ws.moves, expected);
+    EXPECT_EQ(ws.moves, (std::vector<FakeWindowSystem::Move>{
+                            {child, 5, 6, 100, 50}, {child, 105, 56, 100, 50}, {top, 15, 30, 100, 50}}));
     ws.windows.at(child).rect = {-2147483647, 0, 10, 10};
     EXPECT_EQ(ErrorOf([&] { lib_GetRect(ws, child, true, false); }), kOverflow);
     EXPECT_EQ(ErrorOf([&] { lib_SetRect(ws, child, {2147483647, 0, 0, 0}, true); }), kOverflow);
 }
 
-TEST(WindowTitle, ZeroIsTheForegroundWindowCutAt199AndAtNul) {
+// A title is the foreground window's for 0, cut at 199 and at a NUL; the
+// process's window is its first top-level one in stacking order.
+TEST(WindowTitleAndProcess, TitlesAndTheProcesssFirstTopLevelWindow) {
     FakeWindowSystem ws;
-    ws.foreground = ws.Add(0, "Editor - notes.txt");
-    const WindowHandle b = ws.Add(0, std::string(250, 'x'));
-    const WindowHandle c = ws.Add(0, "Left\0Right"s);
+    ws.foreground = ws.Add(0, "Editor - notes.txt", {}, 7);
+    const WindowHandle b = ws.Add(0, std::string(250, 'x'), {}, 42), c = ws.Add(0, "Left\0Right"s, {}, 42);
+    ws.Add(b, "Child", {}, 42);
     EXPECT_EQ(lib_GetWindowTitle(ws, 0), "Editor - notes.txt");
     EXPECT_EQ(lib_GetWindowTitle(ws, b), std::string(199, 'x'));
     EXPECT_EQ(lib_ApiResult, 199);
     EXPECT_EQ(lib_GetWindowTitle(ws, c), "Left");
     EXPECT_EQ(lib_ApiResult, 4);
-}
-
-TEST(FindProcessWindow, FirstTopLevelOfTheProcessInStackingOrder) {
-    FakeWindowSystem ws;
-    const WindowHandle other = ws.Add(0, "Other", {}, 7);
-    const WindowHandle first = ws.Add(0, "First", {}, 42);
-    ws.Add(first, "Child", {}, 42);
-    ws.Add(0, "Second", {}, 42);
     EXPECT_EQ((Handles{lib_FindProcessWindow(ws, 42), lib_FindProcessWindow(ws, 7), lib_FindProcessWindow(ws, 9)}),
-              (Handles{first, other, 0}));
+              (Handles{b, ws.foreground, 0}));
 }
 
 // Desktop: A "Ostrivane" > A1 "Inner box" > A11 "Deep box";

@@ -70,17 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Command{"two words", false, 1, 1, 0, false}, Command{"\"  beta \"", false, 2, 1, 0, false},
                       Command{"  alpha", false, 0, 1, 0, false}, Command{"two  words", false, -1, 0, 0, true},
                       Command{"\"abc\"", true, -1, 0, 0, true}, Command{"\" \"", false, 4, 1, 0, false},
-                      Command{"bad", false, 5, 0, 0, true}));
-
-TEST_F(CommandTest, WhileShowingTheLoadAloneChangesTheScreen) {
-    frm.Showing = true;
-    Send("beta");
-    overlay.calls.clear();
-    Send("\"beta\"");  // the same group again
-    EXPECT_EQ(frm.CurrentGroup, 2);
-    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
-    EXPECT_EQ(showClicks, 0);
-}
+                      Command{"bad", false, 5, 0, 0, true}, Command{"beta", true, 2, 0, 0, false}));
 
 TEST_F(CommandTest, HelpShowsTheLanguageInOnePlainBox) {
     dialogs.msgBoxAnswers = {vbOK};

@@ -45,8 +45,7 @@ TEST_F(TrayTest, TipIsTheMessageCaptionCutTo63CharactersOnce) {
     EXPECT_TRUE(frm.TrayIconCreated);
 }
 
-// The popup's first entry shows the current state; the other entries run the
-// form's buttons; the form goes to the tray minimised and comes back normal.
+// The popup's entries run the form's buttons; the form goes to the tray minimised and comes back normal.
 TEST_F(TrayTest, PopupEntriesAndTheWayThereAndBack) {
     int adds = 0, exits = 0;
     frm.cmdAddMarker.Click.Connect([&] { ++adds; });
@@ -54,12 +53,6 @@ TEST_F(TrayTest, PopupEntriesAndTheWayThereAndBack) {
     frm.mnuPopupAddMarker.PerformClick();
     frm.mnuPopupExit.PerformClick();
     EXPECT_EQ(std::make_pair(adds, exits), std::make_pair(1, 1));
-    ASSERT_EQ(frm.mnuPopup.Items[0], &frm.mnuPopupShow);
-    frm.cmdShow.PerformClick();
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Stop");
-    frm.mnuPopupShow.PerformClick();
-    EXPECT_FALSE(frm.Showing);
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Show");
 
     frm.SetVisible(true);
     desktop.calls.clear();
