@@ -13,7 +13,7 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-TEST(FormModelEvents, PropertyWritesRaiseTheEventsTheLogicReliesOnAndRejectBadValues) {
+TEST(FormModelEvents, PropertyWritesAndKeysRaiseTheEventsTheLogicReliesOnAndBadValuesFail) {
     Form f("frmTest");
     TextBox txt(&f, "txt");
     ListBox lst(&f, "lst");
@@ -42,21 +42,16 @@ TEST(FormModelEvents, PropertyWritesRaiseTheEventsTheLogicReliesOnAndRejectBadVa
     scr.SetRange(20, 30);  // a new range pulls the value in without an event
     EXPECT_EQ(scr.Value(), 20);
     EXPECT_EQ(log.size(), 6u);
-}
 
-TEST(FormModelEvents, KeyPressHandsTheKeyByReference) {
-    Form f("frmTest");
-    TextBox txt(&f, "txt");
+    // KeyPress hands the key by reference; typing replaces the selection.
     txt.KeyPress.Connect([](int& key) { key = key == 'x' ? 0 : key == 's' ? 'S' : key; });
-    EXPECT_EQ(txt.TypeKey('1'), '1');
-    EXPECT_EQ(txt.TypeKey('x'), 0);
-    EXPECT_EQ(txt.TypeKey('s'), 'S');
-    EXPECT_EQ(txt.Text(), "1S");
+    EXPECT_EQ(std::vector<int>({txt.TypeKey('1'), txt.TypeKey('x'), txt.TypeKey('s')}), std::vector<int>({'1', 0, 'S'}));
+    EXPECT_EQ(txt.Text(), "1S12");  // at the caret, which SetText left at the start
     txt.TypeKey(8);
-    EXPECT_EQ(txt.Text(), "1");
-    txt.SetSelection(0, 1);
+    EXPECT_EQ(txt.Text(), "112");
+    txt.SetSelection(0, 3);
     EXPECT_TRUE(txt.AllSelected());
-    txt.TypeKey('7');  // typing replaces the selection
+    txt.TypeKey('7');
     EXPECT_EQ(txt.Text(), "7");
 }
 
