@@ -68,8 +68,7 @@ TEST(LineParser, SplitsAsTheTableSays) {
         {"<p class=\"x\">Hi <b>there</b></p>",
          {.KeepSplitPairs = "<>", .KeepPairWhole = true, .QuotePairs = "\"\"", .PairInsidePart = true, .TrimParts = true},
          {"<p class=x>", "Hi", "<b>", "there", "</b>", "</p>"}},
-        // the library's own path splits
-        {"C:\\Program Files\\\\ \"My Data\" \\ sub dir \\file.ini", PathCall("\\"),
+        {"C:\\Program Files\\\\ \"My Data\" \\ sub dir \\file.ini", PathCall("\\"),  // the library's own path splits
          {"C:", "Program Files", "My Data", "sub dir", "file.ini"}},
         {"\\\\server\\share\\a\"b\\c\"d\\", PathCall("\\"), {"server", "share", "ab\\cd"}},
     };
