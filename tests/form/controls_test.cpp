@@ -111,20 +111,5 @@ TEST(FormModelLists, ExtendedSelectionAndItemEdits) {
     EXPECT_EQ(Selection(single), ".X");
 }
 
-// A second write of the same value is not reported.
-TEST(FormModelBinding, PropertyChangesAreReported) {
-    Form f("frmTest");
-    CommandButton cmd(&f, "cmd");
-    Timer tim(&f, "tim", 200);
-    std::vector<Property> seen;
-    for (Control* c : std::initializer_list<Control*>{&cmd, &tim})
-        c->PropertyChanged.Connect([&](Control&, Property p) { seen.push_back(p); });
-    cmd.SetCaption("&Stop");
-    cmd.SetEnabled(false);
-    cmd.SetEnabled(false);
-    tim.SetTimerEnabled(true);
-    EXPECT_EQ(seen, (std::vector<Property>{Property::Caption, Property::Enabled, Property::TimerEnabled}));
-}
-
 }  // namespace
 }  // namespace ostrivane::form
