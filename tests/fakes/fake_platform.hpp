@@ -29,8 +29,11 @@ struct Question {
     std::int32_t colour = 0;
 };
 
+// Message boxes are also noted in a log shared with other fakes, if given.
 class FakeDialogs final : public Dialogs {
 public:
+    FakeDialogs() = default;
+    explicit FakeDialogs(std::vector<std::string>& log) : log_(&log) {}
     // Scripted answers, taken in order; a question with no answer left fails the test.
     std::deque<int> msgBoxAnswers;
     std::deque<std::string> inputBoxAnswers;
@@ -39,6 +42,7 @@ public:
 
     int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
         asked.push_back({prompt, flags, title, {}, std::nullopt, 0});
+        if (log_) log_->push_back("MsgBox " + prompt);
         return Take(msgBoxAnswers, "message box: " + prompt);
     }
     std::string InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,
@@ -52,6 +56,7 @@ public:
     }
 
 private:
+    std::vector<std::string>* log_ = nullptr;
     template <class T>
     static T Take(std::deque<T>& answers, const std::string& what) {
         if (answers.empty()) throw std::logic_error("unexpected question, no scripted answer: " + what);
