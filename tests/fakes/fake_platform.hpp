@@ -2,6 +2,7 @@
 // overlay calls recorded, and a manual clock for timers.
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -20,7 +21,6 @@
 namespace ostrivane::fakes {
 
 struct Question {
-    enum Kind { kMsgBox, kInputBox, kChooseColor } kind;
     std::string prompt;
     int flags = 0;
     std::string title;
@@ -29,8 +29,11 @@ struct Question {
     std::int32_t colour = 0;
 };
 
+// Message boxes are also noted in a log shared with other fakes, if given.
 class FakeDialogs final : public Dialogs {
 public:
+    FakeDialogs() = default;
+    explicit FakeDialogs(std::vector<std::string>& log) : log_(&log) {}
     // Scripted answers, taken in order; a question with no answer left fails the test.
     std::deque<int> msgBoxAnswers;
     std::deque<std::string> inputBoxAnswers;
@@ -38,21 +41,22 @@ public:
     std::vector<Question> asked;
 
     int MsgBox(const std::string& prompt, int flags, const std::string& title) override {
-        asked.push_back({Question::kMsgBox, prompt, flags, title, {}, std::nullopt, 0});
+        asked.push_back({prompt, flags, title, {}, std::nullopt, 0});
+        if (log_) log_->push_back("MsgBox " + prompt);
         return Take(msgBoxAnswers, "message box: " + prompt);
     }
     std::string InputBox(const std::string& prompt, const std::string& title, const std::string& proposal,
                          std::optional<TwipPoint> position) override {
-        asked.push_back({Question::kInputBox, prompt, 0, title, proposal, position, 0});
+        asked.push_back({prompt, 0, title, proposal, position, 0});
         return Take(inputBoxAnswers, "input box: " + prompt);
     }
     std::int32_t ChooseColor(std::int32_t colour) override {
-        asked.push_back({Question::kChooseColor, {}, 0, {}, {}, std::nullopt, colour});
+        asked.push_back({{}, 0, {}, {}, std::nullopt, colour});
         return Take(colourAnswers, "colour chooser");
     }
-    bool AllAnswersUsed() const { return msgBoxAnswers.empty() && inputBoxAnswers.empty() && colourAnswers.empty(); }
 
 private:
+    std::vector<std::string>* log_ = nullptr;
     template <class T>
     static T Take(std::deque<T>& answers, const std::string& what) {
         if (answers.empty()) throw std::logic_error("unexpected question, no scripted answer: " + what);
@@ -62,9 +66,13 @@ private:
     }
 };
 
+// Records into its own list of calls or into a log shared with other fakes.
 class FakeOverlay final : public Overlay {
 public:
-    std::vector<std::string> calls;
+    FakeOverlay() = default;
+    explicit FakeOverlay(std::vector<std::string>& log) : calls(log) {}
+    std::vector<std::string> ownCalls;
+    std::vector<std::string>& calls = ownCalls;
     void ShowMarker(int row) override { calls.push_back("ShowMarker " + std::to_string(row)); }
     void ShowAllMarkers() override { calls.push_back("ShowAllMarkers"); }
     void DestroyMarkerWindows(int row) override { calls.push_back("DestroyMarkerWindows " + std::to_string(row)); }
@@ -84,13 +92,7 @@ public:
     std::function<void(form::Form&)> whileModal;
 
     std::int32_t GetSystemMetrics(int index) override {
-        switch (index) {
-            case SM_XVIRTUALSCREEN: return metrics[0];
-            case SM_YVIRTUALSCREEN: return metrics[1];
-            case SM_CXVIRTUALSCREEN: return metrics[2];
-            case SM_CYVIRTUALSCREEN: return metrics[3];
-            default: return 0;
-        }
+        return index >= SM_XVIRTUALSCREEN && index <= SM_CYVIRTUALSCREEN ? metrics[index - SM_XVIRTUALSCREEN] : 0;
     }
     void SetForegroundWindow(form::Form& f) override { calls.push_back("SetForegroundWindow " + f.Name()); }
     void SetTopmost(form::Form& f, bool on) override {
@@ -176,46 +178,31 @@ public:
     }
 };
 
-// Fires due timer ticks in time order. A timer enabled at time t first
-// ticks at t + Interval; disabling it forgets its schedule.
+// Fires due timer ticks, a millisecond at a time. A timer enabled at time t
+// first ticks at t + Interval; disabling it forgets its schedule.
 class ManualClock {
 public:
     void Watch(form::Timer& timer) { timers_.push_back({&timer, -1}); }
 
-    long Now() const { return now_; }
-
-    // Advances the clock by ms, ticking each enabled timer whenever it is due.
     void Advance(long ms) {
-        const long end = now_ + ms;
-        for (;;) {
-            Schedule();
-            Entry* next = nullptr;
-            for (Entry& e : timers_)
-                if (e.due >= 0 && e.due <= end && (!next || e.due < next->due)) next = &e;
-            if (!next) break;
-            now_ = next->due;
-            next->due = now_ + Interval(*next->timer);
-            next->timer->Tick.Raise();
+        for (const long end = now_ + ms;; ++now_) {
+            for (auto& [timer, due] : timers_) {
+                const long next = now_ + std::max(1, timer->Interval());
+                if (!timer->TimerEnabled()) {
+                    due = -1;
+                } else if (due < 0) {
+                    due = next;
+                } else if (due == now_) {
+                    due = next;
+                    timer->Tick.Raise();
+                }
+            }
+            if (now_ == end) return;
         }
-        now_ = end;
-        Schedule();
     }
 
 private:
-    struct Entry {
-        form::Timer* timer;
-        long due;
-    };
-    static long Interval(const form::Timer& t) { return t.Interval() > 0 ? t.Interval() : 1; }
-    void Schedule() {
-        for (Entry& e : timers_) {
-            if (!e.timer->TimerEnabled())
-                e.due = -1;
-            else if (e.due < 0)
-                e.due = now_ + Interval(*e.timer);
-        }
-    }
-    std::vector<Entry> timers_;
+    std::vector<std::pair<form::Timer*, long>> timers_;
     long now_ = 0;
 };
 

@@ -51,7 +51,6 @@ public:
     std::vector<FileDialogRequest> openRequests;
     std::vector<FileDialogRequest> saveRequests;
     std::deque<std::string> fileAnswers;
-    std::map<const form::Form*, WindowHandle> formHandles;
 
     Rectangle GetWorkArea() override { return workArea; }
     Rectangle GetWindowRect(WindowHandle window) override { return Find(window).rect; }
@@ -71,7 +70,6 @@ public:
     WindowHandle GetForegroundWindow() override { return foreground; }
     WindowHandle GetDesktopWindow() override { return kDesktop; }
     WindowHandle GetWindow(WindowHandle window, int command) override {
-        ++walkSteps;
         if (command == GW_CHILD) {
             const auto& children = Find(window).children;
             return children.empty() ? 0 : children.front();
@@ -93,12 +91,7 @@ public:
         saveRequests.push_back(request);
         return Answer();
     }
-    WindowHandle FormHandle(form::Form& form) override {
-        const auto it = formHandles.find(&form);
-        return it == formHandles.end() ? 0 : it->second;
-    }
-
-    int walkSteps = 0;
+    WindowHandle FormHandle(form::Form&) override { return 0; }
 
 private:
     const Window& Find(WindowHandle window) const {

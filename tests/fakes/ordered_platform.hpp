@@ -1,59 +1,24 @@
 // Dialogs, overlay and desktop writing to one shared log, for tests of the
-// order of calls across the three. Message box answers are scripted; a
-// desktop call named in `failing` raises Overflow after it is logged.
+// order of calls across the three. A desktop call named in `failing` raises
+// Overflow after it is logged.
 #pragma once
 
-#include <deque>
-#include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "fakes/fake_platform.hpp"
 #include "form/controls.hpp"
 #include "form/form.hpp"
 #include "lib/errors.hpp"
 #include "platform/desktop.hpp"
-#include "platform/dialogs.hpp"
-#include "platform/overlay.hpp"
 
 namespace ostrivane::fakes {
 
 using OrderedLog = std::vector<std::string>;
 
-class OrderedDialogs final : public Dialogs {
-public:
-    explicit OrderedDialogs(OrderedLog& log) : log_(log) {}
-    std::deque<int> msgBoxAnswers;
-    int MsgBox(const std::string& prompt, int, const std::string&) override {
-        log_.push_back("MsgBox " + prompt);
-        if (msgBoxAnswers.empty()) throw std::logic_error("unexpected message box: " + prompt);
-        const int answer = msgBoxAnswers.front();
-        msgBoxAnswers.pop_front();
-        return answer;
-    }
-    std::string InputBox(const std::string& prompt, const std::string&, const std::string&,
-                         std::optional<TwipPoint>) override {
-        throw std::logic_error("unexpected input box: " + prompt);
-    }
-    std::int32_t ChooseColor(std::int32_t) override { throw std::logic_error("unexpected colour chooser"); }
-
-private:
-    OrderedLog& log_;
-};
-
-class OrderedOverlay final : public Overlay {
-public:
-    explicit OrderedOverlay(OrderedLog& log) : log_(log) {}
-    void ShowMarker(int row) override { log_.push_back("ShowMarker " + std::to_string(row)); }
-    void ShowAllMarkers() override { log_.push_back("ShowAllMarkers"); }
-    void DestroyMarkerWindows(int row) override { log_.push_back("DestroyMarkerWindows " + std::to_string(row)); }
-    void DestroyAllMarkerWindows() override { log_.push_back("DestroyAllMarkerWindows"); }
-    void UnregisterMarkerClasses() override { log_.push_back("UnregisterMarkerClasses"); }
-
-private:
-    OrderedLog& log_;
-};
+using OrderedDialogs = FakeDialogs;
+using OrderedOverlay = FakeOverlay;
 
 class OrderedDesktop final : public Desktop {
 public:

@@ -15,118 +15,62 @@ using Lines = std::vector<std::string>;
 class CommandTest : public MainFormTest {
 protected:
     CommandTest() {
-        WriteGroups("[Alpha]\r\nDataFormat=1\r\n1=400,300,-2,-2,65280,3,60,0,\r\n2=10,20,30,40,50,5,70,1,\r\n"
-                    "[Two Words]\r\n[Beta]\r\n");
+        // Bad fails to load at its second marker.
+        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Alpha]\r\nDataFormat=1\r\n"
+                      "1=400,300,-2,-2,65280,3,60,0,\r\n2=10,20,30,40,50,5,70,1,\r\n[Two Words]\r\n[Beta]\r\n"
+                      "[/show]\r\n[]\r\n[Bad]\r\nDataFormat=1\r\n1=1,2,3,4,5,1,7,0,\r\n2=x,2,3,4,5,1,7,0,\r\n");
+        frm.LoadGroupList();
         frm.cmdShow.Click.Connect([this] { ++showClicks; });
         frm.cmdExit.Click.Connect([this] { ++exitClicks; });
         desktop.whileModal = [this](form::Form&) { infoShown.push_back(MessageText); };
     }
-    void WriteGroups(const std::string& sections) {
-        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" + sections);
-        frm.LoadGroupList();
-    }
     // As a second start delivers it: trimmed and lower-cased by the sender.
     void Send(const std::string& text) { frm.txtChangeModeHid.SetText(text); }
-    static std::string NotFound(const std::string& received) {
-        return "3   0Group \"" + received + "\" requested on commandline was not found";
-    }
     int showClicks = 0;
     int exitClicks = 0;
     Lines infoShown;
 };
 
-TEST_F(CommandTest, KeywordsActOnlyWhenTheyChangeTheState) {
-    struct Row {
-        const char* text;
-        bool showing;
-        int shows, exits;
-    };
-    // Each text differs from the one before, so each arrives as a change.
-    const Row rows[] = {
-        {"/show", false, 1, 0}, {"/stop", true, 1, 0}, {"/show", true, 0, 0},
-        {"/stop", false, 0, 0}, {"/quit", true, 0, 1},
-    };
-    for (const Row& row : rows) {
-        showClicks = exitClicks = 0;
-        frm.Showing = row.showing;
-        Send(row.text);
-        EXPECT_EQ(showClicks, row.shows) << row.text << " showing " << row.showing;
-        EXPECT_EQ(exitClicks, row.exits) << row.text;
-    }
-    EXPECT_EQ(frm.lstGroups.ListIndex(), -1);
-    EXPECT_TRUE(infoShown.empty());
-}
+struct Command {
+    const char* text;
+    bool showing;
+    int group, shows, exits;  // group: the list index after it, -1 none
+    bool notFound;
+};
 
-TEST_F(CommandTest, KeywordsAreExactAndHideAGroupOfTheirName) {
-    Send("/SHOW");
-    Send(" /stop");
-    EXPECT_EQ(infoShown, (Lines{NotFound("/SHOW"), NotFound(" /stop")}));
-    EXPECT_EQ(showClicks, 0);
+class Commands : public CommandTest, public ::testing::WithParamInterface<Command> {};
 
-    WriteGroups("[/show]\r\n");
-    Send("/show");
-    EXPECT_EQ(frm.lstGroups.ListIndex(), -1);
-    EXPECT_EQ(showClicks, 1);
-}
-
-TEST_F(CommandTest, GroupInQuotesIsFoundWhateverItsCaseLoadedAndShown) {
-    Send("\"alpha\"");  // a start with "ALPHA" in quotes arrives like this
-    EXPECT_EQ(frm.CurrentGroup, 0);
-    EXPECT_EQ(frm.store.MarkerCount, 2);
-    EXPECT_EQ(showClicks, 1);
-    EXPECT_TRUE(infoShown.empty());
-}
-
-TEST_F(CommandTest, WordsAndBlanksFormOneName) {
-    for (const auto& [text, index] : {std::pair{"two words", 1}, {"\"  beta \"", 2}, {"  alpha", 0}}) {
-        Send(text);
-        EXPECT_EQ(frm.lstGroups.ListIndex(), index) << text;
-    }
-    Send("two  words");
-    EXPECT_EQ(infoShown, (Lines{NotFound("two  words")}));
-}
-
-TEST_F(CommandTest, WhileShowingTheLoadAloneChangesTheScreen) {
-    frm.Showing = true;
-    Send("beta");
+// Keywords are exact, act only when they change the state and hide a group
+// of their name; anything else is one group name, bare or in quotes, blanks
+// and all, found whatever its case, loaded and shown. A group that fails to
+// load counts as not found and stays partly loaded. Not found is reported
+// with the text as received and changes nothing.
+TEST_P(Commands, ActOnTheStateOrTheNamedGroup) {
+    const Command& c = GetParam();
+    frm.Showing = c.showing;
     overlay.calls.clear();
-    Send("\"beta\"");  // the same group again
-    EXPECT_EQ(frm.CurrentGroup, 2);
-    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
-    EXPECT_EQ(showClicks, 0);
+    Send(c.text);
+    EXPECT_EQ(frm.lstGroups.ListIndex(), c.group);
+    EXPECT_EQ(showClicks, c.shows);
+    EXPECT_EQ(exitClicks, c.exits);
+    EXPECT_EQ(infoShown, c.notFound ? Lines{"3   0Group \"" + std::string(c.text) + "\" requested on commandline was not found"}
+                                    : Lines{});
+    EXPECT_TRUE(!c.notFound || c.group != -1 || (frm.Showing == c.showing && overlay.calls.empty()));
+    if (c.group == 0 || c.group == 5) {
+        EXPECT_EQ(frm.store.MarkerCount, c.group == 0 ? 2 : 1);
+    }
 }
 
-TEST_F(CommandTest, NotFoundIsReportedWithTheTextAsReceivedAndChangesNothing) {
-    frm.lstGroups.SetListIndex(1);
-    frm.Showing = true;
-    overlay.calls.clear();
-    Send("\"abc\"");
-    EXPECT_EQ(infoShown, (Lines{"3   0Group \"\"abc\"\" requested on commandline was not found"}));
-    EXPECT_EQ(frm.lstGroups.ListIndex(), 1);
-    EXPECT_TRUE(frm.Showing);
-    EXPECT_TRUE(overlay.calls.empty());
-    EXPECT_EQ(showClicks, 0);
-}
-
-TEST_F(CommandTest, EmptyQuotesFindOnlyAGroupWithAnEmptyName) {
-    Send("\"\"");
-    EXPECT_EQ(infoShown, (Lines{NotFound("\"\"")}));
-    WriteGroups("[Alpha]\r\n[]\r\n");
-    Send("\" \"");
-    EXPECT_EQ(frm.lstGroups.ListIndex(), 1);
-    EXPECT_EQ(showClicks, 1);
-}
-
-// A failure while the group loads is swallowed by the selection, which then
-// counts as not found: the group stays partly loaded and is not shown.
-TEST_F(CommandTest, AGroupThatFailsToLoadIsReportedAsNotFound) {
-    WriteGroups("[Bad]\r\nDataFormat=1\r\n1=1,2,3,4,5,1,7,0,\r\n2=x,2,3,4,5,1,7,0,\r\n3=5,6,7,8,9,1,7,0,\r\n");
-    Send("bad");
-    EXPECT_EQ(frm.CurrentGroup, 0);
-    EXPECT_EQ(frm.store.MarkerCount, 1);
-    EXPECT_EQ(infoShown, (Lines{NotFound("bad")}));
-    EXPECT_EQ(showClicks, 0);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Commands,
+    ::testing::Values(Command{"/show", false, -1, 1, 0, false}, Command{"/stop", true, -1, 1, 0, false},
+                      Command{"/show", true, -1, 0, 0, false}, Command{"/stop", false, -1, 0, 0, false},
+                      Command{"/quit", true, -1, 0, 1, false}, Command{"/SHOW", false, 3, 1, 0, false},
+                      Command{" /stop", true, -1, 0, 0, true}, Command{"\"alpha\"", false, 0, 1, 0, false},
+                      Command{"two words", false, 1, 1, 0, false}, Command{"\"  beta \"", false, 2, 1, 0, false},
+                      Command{"  alpha", false, 0, 1, 0, false}, Command{"two  words", false, -1, 0, 0, true},
+                      Command{"\"abc\"", true, -1, 0, 0, true}, Command{"\" \"", false, 4, 1, 0, false},
+                      Command{"bad", false, 5, 0, 0, true}, Command{"beta", true, 2, 0, 0, false}));
 
 TEST_F(CommandTest, HelpShowsTheLanguageInOnePlainBox) {
     dialogs.msgBoxAnswers = {vbOK};

@@ -11,30 +11,20 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-class TrayTest : public MainFormTest {
-protected:
-    void HideInTray() {
-        frm.SetWindowState(form::WindowState::Minimized);
-        frm.SetVisible(false);
-        desktop.calls.clear();
-    }
-};
+using TrayTest = MainFormTest;
 
 TEST_F(TrayTest, DecoderTakesTheMessageFromXAtTheTopRow) {
-    const Lines none, restore{"SetForegroundWindow frmMain"},
-        popup{"SetForegroundWindow frmMain", "ShowPopupMenu mnuPopup"};
-    struct Row {
-        double pixels, y;
-        const Lines& calls;
-    };
-    const Row rows[] = {
+    const Lines none, restore{"SetForegroundWindow frmMain"}, popup{"SetForegroundWindow frmMain", "ShowPopupMenu mnuPopup"};
+    const struct { double pixels, y; const Lines& calls; } rows[] = {
         {514, 0, restore},  {515, 0, restore},    {517, 0, popup},    {514, 1, none},    {514, 0.25, none},
         {514, -0.0, restore}, {513.5, 0, restore}, {514.5, 0, restore}, {515.5, 0, none}, {516.5, 0, none},
         {516.6, 0, popup},  {517.5, 0, none},     {512, 0, none},     {516, 0, none},    {514.0 / 15, 0, none},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(::testing::Message() << "x " << row.pixels << " px, y " << row.y);
-        HideInTray();
+        frm.SetWindowState(form::WindowState::Minimized);  // in the tray
+        frm.SetVisible(false);
+        desktop.calls.clear();
         frm.Showing = true;
         frm.Form_MouseMove(0, 0, row.pixels * 15, row.y);  // the form's scale is twips
         EXPECT_EQ(desktop.calls, row.calls);
@@ -47,27 +37,16 @@ TEST_F(TrayTest, DecoderTakesTheMessageFromXAtTheTopRow) {
 }
 
 TEST_F(TrayTest, TipIsTheMessageCaptionCutTo63CharactersOnce) {
-    const std::string caption(70, 'm');
-    frm.lblMsg.SetCaption(caption);
+    frm.lblMsg.SetCaption(std::string(70, 'm'));
     frm.CreateTrayIcon();
     frm.lblMsg.SetCaption("later");
     frm.CreateTrayIcon();
-    EXPECT_EQ(desktop.calls, (Lines{"AddTrayIcon " + caption.substr(0, 63)}));
+    EXPECT_EQ(desktop.calls, (Lines{"AddTrayIcon " + std::string(63, 'm')}));
     EXPECT_TRUE(frm.TrayIconCreated);
 }
 
-TEST_F(TrayTest, RightClickShowsTheCurrentStateInTheFirstEntry) {
-    ASSERT_EQ(frm.mnuPopup.Items[0], &frm.mnuPopupShow);
-    frm.cmdShow.PerformClick();
-    frm.Form_MouseMove(0, 0, 517 * 15.0, 0);
-    EXPECT_EQ(desktop.calls.back(), "ShowPopupMenu mnuPopup");
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Stop");
-    frm.mnuPopupShow.PerformClick();
-    EXPECT_FALSE(frm.Showing);
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Show");
-}
-
-TEST_F(TrayTest, MenuEntriesAndTheWayThereAndBack) {
+// The popup's entries run the form's buttons; the form goes to the tray minimised and comes back normal.
+TEST_F(TrayTest, PopupEntriesAndTheWayThereAndBack) {
     int adds = 0, exits = 0;
     frm.cmdAddMarker.Click.Connect([&] { ++adds; });
     frm.cmdExit.Click.Connect([&] { ++exits; });
@@ -76,6 +55,7 @@ TEST_F(TrayTest, MenuEntriesAndTheWayThereAndBack) {
     EXPECT_EQ(std::make_pair(adds, exits), std::make_pair(1, 1));
 
     frm.SetVisible(true);
+    desktop.calls.clear();
     frm.mnuFileMinToTray.PerformClick();
     EXPECT_FALSE(frm.Visible());
     EXPECT_EQ(frm.GetWindowState(), form::WindowState::Minimized);

@@ -3,8 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -15,18 +15,9 @@ namespace ostrivane {
 class TempDir {
 public:
     TempDir() {
-        namespace fs = std::filesystem;
-        static std::mt19937_64 random{std::random_device{}()};
-        const fs::path base = fs::temp_directory_path();
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            fs::path candidate = base / ("ostrivane-test-" + std::to_string(random() & 0xffffffffffu));
-            std::error_code ec;
-            if (fs::create_directory(candidate, ec)) {
-                path_ = std::move(candidate);
-                return;
-            }
-        }
-        throw std::runtime_error("cannot make a temporary directory under " + base.string());
+        std::string pattern = (std::filesystem::temp_directory_path() / "ostrivane-test-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a temporary directory " + pattern);
+        path_ = pattern;
     }
 
     ~TempDir() {
