@@ -36,9 +36,11 @@ inline std::uint32_t DecodeLength(std::string_view fourBytes) {
     return length;
 }
 
-// Nothing for a text over kMaxCommandBytes.
+inline bool FitsFrame(std::string_view text) { return text.size() <= kMaxCommandBytes; }
+
+// Nothing for a text that does not fit.
 inline std::optional<std::string> EncodeFrame(std::string_view text) {
-    if (text.size() > kMaxCommandBytes) return std::nullopt;
+    if (!FitsFrame(text)) return std::nullopt;
     return EncodeLength(static_cast<std::uint32_t>(text.size())) + std::string(text);
 }
 

@@ -33,7 +33,7 @@ std::string InstanceName() { return std::string("i") + kAppTitle + "i"; }
 // A command line beyond the channel's limit is refused by this start itself.
 bool Refused(const std::string& commandLine) {
     const std::string text = LCase(Trim(commandLine));
-    if (text.size() <= desktop::kMaxCommandBytes) return false;
+    if (desktop::FitsFrame(text)) return false;
     std::fprintf(stderr, "%s: a command line of %zu characters was refused: at most %zu are taken\n",
                  kExecutableBaseName, text.size(), desktop::kMaxCommandBytes);
     return true;
