@@ -11,37 +11,56 @@
 #include <QMetaObject>
 #include <QObject>
 #include <QSocketNotifier>
+#include <QTimer>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <utility>
 
+#include "desktop/command_frame.hpp"
 #include "desktop/entry_point.hpp"
+#include "store/data_file.hpp"
 
 namespace ostrivane::desktop {
 
-// One sender being served: its socket, its reader and what came so far.
+// One sender being served: its socket, its reader and the frame so far.
 struct InstanceChannel::Connection {
     int fd = -1;
     std::unique_ptr<QSocketNotifier> reading;
-    std::string received;
+    FrameReader frame;
+    std::chrono::steady_clock::time_point deadline;
+    bool Pending() const { return frame.Current() == FrameReader::State::Incomplete; }
 };
 
 namespace {
 
-// A frame is the text's length in four bytes, most significant first, then
-// the text; the answer is one byte, sent once the handler has returned.
-constexpr std::size_t kLengthBytes = 4;
+// The answer is one byte, sent once the handler has returned.
 constexpr char kHandled = 'A';
-// A command line is short; anything longer is no sender of ours.
-constexpr std::uint32_t kMaxCommandBytes = 1u << 20;
+constexpr int kSweepMs = 250;
 
-bool PrivateDirectory(const std::string& dir) {
+void Say(const std::string& line) { std::fprintf(stderr, "%s: %s\n", kExecutableBaseName, line.c_str()); }
+
+// Why dir cannot hold the guard; empty when it is a directory of this user closed to everyone else.
+std::string DirectoryFault(const std::string& dir) {
     struct stat info {};
-    if (dir.empty() || ::lstat(dir.c_str(), &info) != 0) return false;
-    return S_ISDIR(info.st_mode) && info.st_uid == ::getuid() && (info.st_mode & (S_IRWXG | S_IRWXO)) == 0;
+    if (::lstat(dir.c_str(), &info) != 0) return std::strerror(errno);
+    if (!S_ISDIR(info.st_mode)) return "it is no directory";
+    if (info.st_uid != ::getuid())
+        return "it belongs to user " + std::to_string(info.st_uid) + ", not to user " + std::to_string(::getuid());
+    if ((info.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+        char mode[8];
+        std::snprintf(mode, sizeof mode, "%04o", static_cast<unsigned>(info.st_mode & 07777));
+        return std::string("it is open to others (mode ") + mode + ")";
+    }
+    return {};
 }
+
+bool PrivateDirectory(const std::string& dir) { return !dir.empty() && DirectoryFault(dir).empty(); }
 
 // Names become file names: anything but letters, digits, '.', '-' and '_' is '_'.
 std::string FileNameOf(const std::string& name) {
@@ -61,21 +80,6 @@ bool SocketAddress(const std::string& path, sockaddr_un& address) {
     if (path.size() >= sizeof address.sun_path) return false;
     std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     return true;
-}
-
-std::string Frame(const std::string& text) {
-    const auto length = static_cast<std::uint32_t>(text.size());
-    std::string frame(kLengthBytes, '\0');
-    for (std::size_t i = 0; i < kLengthBytes; ++i) {
-        frame[i] = static_cast<char>((length >> (8 * (kLengthBytes - 1 - i))) & 0xFFu);
-    }
-    return frame + text;
-}
-
-std::uint32_t LengthOf(const std::string& received) {
-    std::uint32_t length = 0;
-    for (std::size_t i = 0; i < kLengthBytes; ++i) length = (length << 8) | static_cast<unsigned char>(received[i]);
-    return length;
 }
 
 bool SendAll(int fd, const std::string& data) {
@@ -99,6 +103,32 @@ bool SameUser(int fd) {
 
 InstanceChannel::InstanceChannel() : context_(std::make_unique<QObject>()) {}
 
+void InstanceChannel::StartSweep() {
+    if (!sweep_) {
+        sweep_ = std::make_unique<QTimer>();
+        QObject::connect(sweep_.get(), &QTimer::timeout, context_.get(), [this] { Sweep(); });
+    }
+    if (!sweep_->isActive()) sweep_->start(kSweepMs);
+}
+
+void InstanceChannel::Sweep() {
+    const auto now = std::chrono::steady_clock::now();
+    bool waiting = false;
+    for (auto it = connections_.begin(); it != connections_.end();) {
+        const std::uint64_t id = it->first;
+        const Connection& c = *it->second;
+        ++it;
+        if (!c.Pending()) continue;
+        if (now < c.deadline) {
+            waiting = true;
+            continue;
+        }
+        Say("a sender whose command did not come within " + std::to_string(kFrameDeadlineMs) + " ms was closed");
+        Close(id);
+    }
+    if (!waiting) sweep_->stop();
+}
+
 InstanceChannel::~InstanceChannel() {
     Release();
     while (!connections_.empty()) Close(connections_.begin()->first);
@@ -108,9 +138,14 @@ std::string InstanceChannel::RuntimeDirectory() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime != nullptr && PrivateDirectory(runtime)) return runtime;
     const std::string dir = QDir::tempPath().toStdString() + "/ostrivane-" + std::to_string(::getuid());
-    if (::mkdir(dir.c_str(), S_IRWXU) != 0 && errno != EEXIST) return {};
     // A directory of that name that someone else made, or opened up, is not used.
-    return PrivateDirectory(dir) ? dir : std::string();
+    std::string fault = ::mkdir(dir.c_str(), S_IRWXU) != 0 && errno != EEXIST ? std::strerror(errno)
+                                                                               : DirectoryFault(dir);
+    if (fault.empty()) return dir;
+    // The copy then takes itself for a second one; the box cannot say why.
+    static bool said = false;
+    if (!std::exchange(said, true)) Say(dir + " cannot hold the single-instance guard: " + fault);
+    return {};
 }
 
 bool InstanceChannel::Acquire(const std::string& name) {
@@ -176,50 +211,66 @@ void InstanceChannel::Accept() {
             ::close(fd);
             continue;
         }
+        // The oldest sender still short of its frame makes room for the new one.
+        const auto pending = [](const auto& entry) { return entry.second->Pending(); };
+        if (static_cast<std::size_t>(std::count_if(connections_.begin(), connections_.end(), pending)) >=
+            kMaxPendingSenders) {
+            Say("more than " + std::to_string(kMaxPendingSenders) + " senders at once: the oldest was closed");
+            Close(std::find_if(connections_.begin(), connections_.end(), pending)->first);
+        }
         const std::uint64_t id = nextId_++;
         auto connection = std::make_unique<Connection>();
         connection->fd = fd;
+        connection->deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kFrameDeadlineMs);
         connection->reading = std::make_unique<QSocketNotifier>(fd, QSocketNotifier::Read);
         QObject::connect(connection->reading.get(), &QSocketNotifier::activated, context_.get(),
-                         [this, id] { Receive(id); });
+                         [this, id] { Receive(id, true); });
         connections_.emplace(id, std::move(connection));
+        StartSweep();
+        // A sender of ours has written its frame already.
+        Receive(id, false);
     }
 }
 
-void InstanceChannel::Receive(std::uint64_t id) {
+void InstanceChannel::Receive(std::uint64_t id, bool fromItsSignal) {
     const auto it = connections_.find(id);
     if (it == connections_.end()) return;
     Connection& c = *it->second;
-    char buffer[4096];
-    for (;;) {
-        const ssize_t n = ::recv(c.fd, buffer, sizeof buffer, 0);
+    char buffer[kMaxCommandBytes];
+    // Never more than the frame: what a sender may make this copy hold is bounded.
+    while (c.Pending()) {
+        const ssize_t n = ::recv(c.fd, buffer, std::min(sizeof buffer, c.frame.Wanted()), 0);
         if (n < 0 && errno == EINTR) continue;
-        if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
+        if (n < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return;
         if (n <= 0) {
-            Close(id, true);  // the sender left before its text was complete
+            Close(id, fromItsSignal);  // the sender left before its text was complete
             return;
         }
-        c.received.append(buffer, static_cast<std::size_t>(n));
+        c.frame.Take(std::string_view(buffer, static_cast<std::size_t>(n)));
     }
-    if (c.received.size() < kLengthBytes) return;
-    const std::uint32_t length = LengthOf(c.received);
-    if (length > kMaxCommandBytes) {
-        Close(id, true);
+    if (c.frame.Current() == FrameReader::State::TooLong) {
+        Say("a command of " + std::to_string(c.frame.Length()) + " bytes was refused: at most " +
+            std::to_string(kMaxCommandBytes) + " are taken");
+        Close(id, fromItsSignal);
         return;
     }
-    if (c.received.size() < kLengthBytes + length) return;
     c.reading->setEnabled(false);
-    std::string text = c.received.substr(kLengthBytes, length);
     // Handled from the event loop, not from inside the notifier's signal.
     QMetaObject::invokeMethod(
-        context_.get(), [this, id, text = std::move(text)] { Handle(id, text); }, Qt::QueuedConnection);
+        context_.get(), [this, id, text = c.frame.Text()] { Handle(id, text); }, Qt::QueuedConnection);
 }
 
 void InstanceChannel::Handle(std::uint64_t id, const std::string& text) {
-    if (onCommand_) {
+    // A box of a command runs the next one inside it; so many nested boxes end the stack.
+    if (nested_ >= kMaxNestedCommands) {
+        Say("the command \"" + text + "\" was dropped: " + std::to_string(nested_) +
+            " commands wait on their boxes already");
+    } else if (onCommand_) {
         // A copy: the handler may release the channel, and its handler with it.
         const auto handler = onCommand_;
+        ++nested_;
         RunEntryPoint([&handler, &text] { handler(text); });
+        --nested_;
     }
     // The handler may have held a box open for long; the sender may be gone.
     const auto it = connections_.find(id);
@@ -239,17 +290,18 @@ void InstanceChannel::Close(std::uint64_t id, bool fromItsSignal) {
     ::close(c->fd);
 }
 
-void InstanceChannel::Forward(const std::string& name, const std::string& text) {
+bool InstanceChannel::Forward(const std::string& name, const std::string& text) {
+    const std::optional<std::string> frame = EncodeFrame(text);
     const std::string dir = RuntimeDirectory();
     sockaddr_un address{};
-    if (dir.empty() || !SocketAddress(dir + "/" + FileNameOf(name) + ".socket", address)) return;
+    if (!frame || dir.empty() || !SocketAddress(dir + "/" + FileNameOf(name) + ".socket", address)) return false;
     const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) return;
+    if (fd < 0) return false;
     int rc = 0;
     do {
         rc = ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     } while (rc != 0 && errno == EINTR);
-    if (rc == 0 && SendAll(fd, Frame(text))) {
+    if (rc == 0 && SendAll(fd, *frame)) {
         // No time limit: the handler there may hold a box open for as long as
         // the user likes. A copy that dies closes the socket, which ends the wait.
         char answer = 0;
@@ -259,6 +311,7 @@ void InstanceChannel::Forward(const std::string& name, const std::string& text) 
         } while (n < 0 && errno == EINTR);
     }
     ::close(fd);
+    return rc == 0;
 }
 
 }  // namespace ostrivane::desktop

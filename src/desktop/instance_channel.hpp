@@ -14,6 +14,7 @@
 class QLockFile;
 class QObject;
 class QSocketNotifier;
+class QTimer;
 
 namespace ostrivane::desktop {
 
@@ -33,23 +34,31 @@ public:
     void Release();
     // Takes commands sent by later starts; each is handed to onCommand on
     // this (the GUI) thread, and its sender is answered only afterwards.
+    // The limits of command_frame.hpp hold: a frame too long, too slow, one
+    // sender too many or one command nested too deep is refused with a line
+    // on standard error.
     // Needs the name to be owned; a second call replaces the handler.
     void Listen(std::function<void(const std::string&)> onCommand);
     // Sends text to the copy that owns name and returns once that copy has
-    // handled it, or has gone away. Nothing happens when no copy listens.
-    static void Forward(const std::string& name, const std::string& text);
+    // handled it, or has gone away; false when no copy listens or the text
+    // is too long to send. Needs no application object.
+    static bool Forward(const std::string& name, const std::string& text);
 
     // $XDG_RUNTIME_DIR, or <temp>/ostrivane-<uid> made private; empty when
-    // neither is a directory of this user closed to everyone else.
+    // neither is a directory of this user closed to everyone else (and then
+    // a line on standard error says what is wrong with the second).
     static std::string RuntimeDirectory();
 
 private:
     struct Connection;
 
     void Accept();
-    void Receive(std::uint64_t id);
+    void Receive(std::uint64_t id, bool fromItsSignal);
     void Handle(std::uint64_t id, const std::string& text);
     void Close(std::uint64_t id, bool fromItsSignal = false);
+    // Closes the senders past their deadline, while any are pending.
+    void StartSweep();
+    void Sweep();
 
     std::string name_;
     std::string socketPath_;
@@ -59,6 +68,8 @@ private:
     std::function<void(const std::string&)> onCommand_;
     std::map<std::uint64_t, std::unique_ptr<Connection>> connections_;
     std::uint64_t nextId_ = 1;
+    std::unique_ptr<QTimer> sweep_;
+    int nested_ = 0;  // commands whose handler is running
     // Context of the queued handler calls; they die with the channel.
     std::unique_ptr<QObject> context_;
 };

@@ -196,10 +196,12 @@ class Session:
 
     # --- processes --------------------------------------------------------
 
-    def start(self, *args):
+    def start(self, *args, env=None):
+        """env: variables to change for this start, None to take one away."""
         log = os.path.join(self.tmp, f"app{len(self.apps)}.log")
+        changed = {k: v for k, v in {**self.env, **(env or {})}.items() if v is not None}
         with open(log, "wb") as out:
-            popen = subprocess.Popen([self.app_path, *args], env=self.env, stdout=out,
+            popen = subprocess.Popen([self.app_path, *args], env=changed, stdout=out,
                                      stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
         app = App(self, list(args), popen, log)
         self.apps.append(app)
