@@ -2,6 +2,7 @@
 #include "editor/main_form.hpp"
 #include "lib/errors.hpp"
 #include "lib/numbers.hpp"
+#include "lib/text.hpp"
 
 namespace ostrivane {
 
@@ -34,7 +35,10 @@ void MainForm::WireFieldEvents() {
     for (form::TextBox* field : lengthFields) {
         field->GotFocus.Connect([this, field] { SelectAllText(*field); });
         field->KeyPress.Connect([field](int& key) {
-            key = FilterLengthKey(key, field->Text().empty(), field->AllSelected());
+            const bool allSelected = field->AllSelected();
+            key = FilterLengthKey(key, field->Text().empty(), allSelected);
+            // "S" stands alone: a digit beside it would leave text that is no number
+            if (!allSelected && UCase(field->Text()) == "S" && key >= '0' && key <= '9') key = 0;
         });
     }
 

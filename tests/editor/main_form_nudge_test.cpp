@@ -106,10 +106,14 @@ TEST_F(NudgeTest, VerticalResizeAtTheBarsMaximumKeepsALineOfOne) {
     EXPECT_EQ(Cell(1, Vlen), 1080);
 }
 
-TEST_F(NudgeTest, AStepBeyondSixteenBitsIsAnOverflow) {
-    Markers({{100000, 200, 50, 50}});  // the bar cannot take 100000 and stays put
+// A move takes its step in 16 bits, a resize in 32: lengths from a file
+// may be far beyond the screen.
+TEST_F(NudgeTest, AMoveStepBeyondSixteenBitsIsAnOverflowAResizeStepIsNot) {
+    Markers({{100000, 200, 100000, 100000}});  // the X bar cannot take 100000 and stays put
     EXPECT_EQ(ErrorOf([&] { frm.scrNudgeX.SetValue(5); }), kOverflow);
-    EXPECT_EQ(Cell(1, Hpos), 100000);
+    Press(frm.scrNudgeW, -1);
+    Press(frm.scrNudgeH, 1);
+    EXPECT_EQ((Ints{Cell(1, Hpos), Cell(1, Hlen), Cell(1, Vlen)}), (Ints{100000, 1919, 1078}));
 }
 
 }  // namespace

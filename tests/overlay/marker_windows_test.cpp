@@ -1,6 +1,5 @@
 // The line windows of the markers: the road ShowMarker takes, what it asks
 // of the platform on each, and the window classes behind the lines.
-#include <cctype>
 #include <functional>
 #include <ostream>
 
@@ -20,14 +19,24 @@ protected:
     MarkerWindowsTest() { frm.Showing = true; }
 };
 
-TEST_F(MarkerWindowsTest, WhileStoppedNothingReachesTheScreen) {
+// Foreground is no part of showing: it goes with the form's window state.
+TEST_F(MarkerWindowsTest, NothingReachesTheScreenWhileStoppedOrForARowOutsideTheList) {
     PutMarker({100, 200, 21, 21, 255, 40000, 200, 0});
     frm.Showing = false;
     windows.ShowMarker(1);
-    windows.ShowAllMarkers();
+    using form::WindowState;
+    for (const auto& [state, calls] : {std::pair{WindowState::Normal, Lines{"SetForegroundWindow frmMain"}},
+                                       {WindowState::Maximized, Lines{"SetForegroundWindow frmMain"}},
+                                       {WindowState::Minimized, Lines{}}}) {
+        frm.SetWindowState(state);
+        desktop.calls.clear();
+        windows.ShowAllMarkers();
+        EXPECT_EQ(desktop.calls, calls);
+    }
+    frm.Showing = true;
+    for (const int row : {0, 2, -1, 51}) windows.ShowMarker(row);  // a stop would never take these down
     EXPECT_TRUE(lines.calls.empty());
     EXPECT_EQ(Cell(1, PaintedColour), 0);
-    EXPECT_EQ(desktop.calls, Lines{"SetForegroundWindow frmMain"});  // not tied to showing
 }
 
 TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
@@ -126,38 +135,33 @@ const Lines kRebuilt = {"RegisterClass Ostrvane2", "Destroy 100", "Destroy 101",
 INSTANTIATE_TEST_SUITE_P(
     MarkerWindows, ShowMarkerRoads,
     ::testing::Values(
-        Road{"nothing", [](MarkerStore&, MarkerWindows&) {}, kQuiet},
-        Road{"place and opacity",
+        Road{"Nothing", [](MarkerStore&, MarkerWindows&) {}, kQuiet},
+        Road{"PlaceAndOpacity",
              [](MarkerStore& s, MarkerWindows&) {
                  s.Markers(1, Hpos) = 300;
                  s.Markers(1, Opacity) = 50;
              },
              {"Move 100", "Move 101", "SetAlpha 100 128", "SetAlpha 101 128"}},
         // Painted over in place, with one yield before each paint.
-        Road{"group colour", [](MarkerStore& s, MarkerWindows&) { s.Markers(0, Colour) = 65280; },
+        Road{"GroupColour", [](MarkerStore& s, MarkerWindows&) { s.Markers(0, Colour) = 65280; },
              {"RegisterClass Ostrvane2", "DoEvents", "Paint 100 Ostrvane2", "DoEvents", "Paint 101 Ostrvane2",
               "Move 100", "Move 101", "SetAlpha 100 255", "SetAlpha 101 255"}},
-        Road{"own colour", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Colour) = 65280; }, kRebuilt},
-        Road{"dotted alone", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Dotted) = 1; }, kQuiet},
+        Road{"OwnColour", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Colour) = 65280; }, kRebuilt},
+        Road{"DottedAlone", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Dotted) = 1; }, kQuiet},
         // What the click of the dotted box does to force the rebuild.
-        Road{"dotted, painted colour cleared",
+        Road{"DottedWithPaintedColourCleared",
              [](MarkerStore& s, MarkerWindows&) {
                  s.Markers(1, Dotted) = 1;
                  s.Markers(1, PaintedColour) = 0;
              },
              kRebuilt},
         // The painted cells still match; creation all the same.
-        Road{"destroyed", [](MarkerStore&, MarkerWindows& w) { w.DestroyMarkerWindows(1); },
+        Road{"Destroyed", [](MarkerStore&, MarkerWindows& w) { w.DestroyMarkerWindows(1); },
              {"Destroy 100", "Destroy 101", "Create Ostrvane1", "Create Ostrvane1", "SetAlpha 102 255",
               "SetAlpha 103 255"}},
-        Road{"opacity 200", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Opacity) = 200; },
+        Road{"Opacity200", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Opacity) = 200; },
              {"Move 100", "Move 101"}}),
-    [](const ::testing::TestParamInfo<Road>& info) {
-        std::string name = info.param.name;
-        for (char& ch : name)
-            if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
-        return name;
-    });
+    [](const ::testing::TestParamInfo<Road>& info) { return std::string(info.param.name); });
 
 TEST_F(MarkerWindowsTest, FirstShowAndPaintKeepTheirCells) {
     SetGroupDefaults({-1, -1, 255, -1, -1, -1});
@@ -172,9 +176,6 @@ TEST_F(MarkerWindowsTest, FirstShowAndPaintKeepTheirCells) {
     EXPECT_EQ(WindowOf(1, HwndH).className, "Ostrvane1");  // a system repaint shows red again
     EXPECT_EQ(WindowOf(1, HwndH).paintedWith, "Ostrvane2");
     EXPECT_EQ(std::make_pair(Cell(1, PaintedColour), Cell(1, PaintedEffective)), std::make_pair(-1, 65280));
-    frm.store.Markers(1, Hpos) = 300;
-    windows.ShowMarker(1);
-    EXPECT_EQ(WindowOf(1, HwndV).rect, (PixelRect{300, 190, 1, 21}));
 
     windows.DestroyMarkerWindows(1);
     EXPECT_EQ(std::make_pair(Cell(1, HwndH), Cell(1, HwndV)), std::make_pair(0, 101));  // HwndV stale
@@ -185,7 +186,7 @@ TEST_F(MarkerWindowsTest, AWindowTakenAwayDuringTheYieldIsLeftAlone) {
     PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
     windows.ShowMarker(1);
     frm.store.Markers(0, Colour) = 65280;
-    yielding.duringYield = [&] { windows.DestroyAllMarkerWindows(); };  // a stop from the hot key
+    duringYield = [&] { windows.DestroyAllMarkerWindows(); };  // a stop from the hot key
     lines.calls.clear();
 
     EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
@@ -238,18 +239,6 @@ TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     EXPECT_EQ(windows.AddLines, (std::array<WindowHandle, 5>{}));
     EXPECT_TRUE(lines.windows.empty());
     EXPECT_TRUE(lines.classes.empty());
-}
-
-TEST_F(MarkerWindowsTest, ShowAllTakesTheForegroundUnlessMinimised) {
-    using form::WindowState;
-    for (const auto& [state, foreground] : {std::pair{WindowState::Normal, true}, {WindowState::Maximized, true},
-                                            {WindowState::Minimized, false}}) {
-        SCOPED_TRACE(static_cast<int>(state));
-        frm.SetWindowState(state);
-        desktop.calls.clear();
-        windows.ShowAllMarkers();
-        EXPECT_EQ(desktop.calls, foreground ? Lines{"SetForegroundWindow frmMain"} : Lines{});
-    }
 }
 
 }  // namespace

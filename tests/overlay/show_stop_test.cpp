@@ -62,9 +62,8 @@ TEST_F(ShowStopTest, ShowThenStop) {
     EXPECT_FALSE(frm.FlashPhase);
     EXPECT_FALSE(frm.MouseHooked);
     EXPECT_EQ(frm.MouseMode, 0);
-    EXPECT_FALSE(frm.timFlashSelected.TimerEnabled());
-    EXPECT_FALSE(frm.timAddMarker.TimerEnabled());
-    EXPECT_FALSE(frm.timAddMarkerComplete.TimerEnabled());
+    for (const form::Timer* t : {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete})
+        EXPECT_FALSE(t->TimerEnabled()) << t->Name();
     EXPECT_TRUE(frm.timMoveMarker.TimerEnabled()) << "the drag's timers are not the stop's business";
 }
 
@@ -73,12 +72,31 @@ TEST_F(ShowStopTest, TheMenusPressTheButton) {
     EXPECT_TRUE(frm.Showing);
     frm.mnuPopupShow.PerformClick();
     EXPECT_FALSE(frm.Showing);
-
     int presses = 0;
-    frm.cmdShow.Click.Connect([&] { ++presses; });
+    frm.cmdShow.Click.Connect([&] { ++presses; });  // in place of Go
     frm.mnuShow.PerformClick();
     frm.mnuPopupShow.PerformClick();
     EXPECT_EQ(presses, 2);
+}
+
+// Deleting the focused marker or clearing the group moves the focus out of
+// a marker field while no marker is focused: its Validate must not put up
+// lines that no stop takes down.
+TEST_F(ShowStopTest, NoLinesOutliveTheStopAfterTheFocusedMarkerWentAway) {
+    const std::pair<form::MenuItem*, form::TextBox*> roads[] = {{&frm.mnuDelMarker, &frm.txtHpos},
+                                                                {&frm.mnuClearGroupSelection, &frm.txtThickness}};
+    for (const auto& [menu, field] : roads) {
+        SCOPED_TRACE(menu->Name());
+        Append(100);
+        Append(300);
+        frm.lstMarkers.ClickItem(0);
+        frm.Dirty = false;
+        Press();
+        field->SetFocus();
+        menu->PerformClick();
+        Press();
+        EXPECT_TRUE(lines.windows.empty());
+    }
 }
 
 TEST_F(ShowStopTest, FlashTimerRunsOnlyWhenFlashSelectedIsChecked) {
