@@ -51,34 +51,24 @@ TEST_F(FieldsTest, CorrectionThenUpdateThenShow) {
     EXPECT_TRUE(frm.Dirty);
 }
 
+// In order: each step starts from the one before; the global lengths are
+// 700 wide and the whole screen high.
 TEST_F(FieldsTest, BarsFollowTheFieldsAndTheDefaults) {
-    Leave(frm.txtHlen, "s");  // pasted in either case it stays, and counts as the whole screen
-    EXPECT_EQ(frm.txtHlen.Text(), "s");
-    EXPECT_EQ(Cell(1, Hlen), kWholeScreen);
-    EXPECT_EQ(frm.scrNudgeW.Value(), 1920);
-    Leave(frm.txtHpos, "-40");  // no lower bound: the cell takes it, the bar cannot
-    EXPECT_EQ(Cell(1, Hpos), -40);
-    EXPECT_EQ(frm.scrNudgeX.Value(), 100);
-    Leave(frm.txtVlen, "40");
-    EXPECT_EQ(frm.scrNudgeH.Value(), 1040);  // inverted
-    Leave(frm.txtVlen, "1080");
-    EXPECT_EQ(frm.scrNudgeH.Value(), 1);     // never 0: the line cannot nudge away
-
+    struct Step { form::TextBox& field; const char* text; form::ScrollBar& bar; int value; };
+    const Step steps[] = {
+        {frm.txtHlen, "s", frm.scrNudgeW, 1920},     // pasted in either case: the whole screen
+        {frm.txtHpos, "-40", frm.scrNudgeX, 100},    // no lower bound: the cell takes it, the bar cannot
+        {frm.txtVlen, "40", frm.scrNudgeH, 1040},    // inverted
+        {frm.txtVlen, "1080", frm.scrNudgeH, 1},     // never 0: the line cannot nudge away
+        {frm.txtHlen, "", frm.scrNudgeW, 700},       {frm.txtVlen, "", frm.scrNudgeH, 1},
+        {frm.txtHlenGrpDef, "300", frm.scrNudgeW, 300},  // the marker's bar follows its new default
+        {frm.txtVlenGrpDef, "400", frm.scrNudgeH, 680},  {frm.txtHpos, "", frm.scrNudgeX, 100}};
     frm.store.GlobalDefaults[Hlen] = 700;
-    Leave(frm.txtHlen, "");
-    EXPECT_EQ(frm.scrNudgeW.Value(), 700);
-    Leave(frm.txtHlenGrpDef, "300");  // the marker's bar follows its new default
-    EXPECT_EQ(frm.txtHlen.Text(), "");
-    EXPECT_EQ(frm.scrNudgeW.Value(), 300);
-    Leave(frm.txtVlen, "");
-    Leave(frm.txtVlenGrpDef, "400");
-    EXPECT_EQ(frm.scrNudgeH.Value(), 680);
-
-    Leave(frm.txtHpos, "");  // a blank position suspends the row and leaves the bar
-    Leave(frm.txtThickness, "5");
-    EXPECT_EQ(frm.scrNudgeX.Value(), 100);
-    EXPECT_EQ(Cell(1, Hpos), -40);
-    EXPECT_EQ(Cell(1, Thickness), kBlank);
+    for (const Step& s : steps) {
+        Leave(s.field, s.text);
+        EXPECT_EQ(s.bar.Value(), s.value) << s.field.Name() << " " << s.text;
+    }
+    EXPECT_EQ(frm.txtHlen.Text() + frm.txtVlen.Text(), "");
 }
 
 TEST_F(FieldsTest, LoadingHoldsBackPositionsAndLengthsOnly) {

@@ -1,6 +1,5 @@
 // The line windows of the markers: the road ShowMarker takes, what it asks
 // of the platform on each, and the window classes behind the lines.
-#include <functional>
 #include <ostream>
 
 #include "overlay/overlay_fixture.hpp"
@@ -104,10 +103,11 @@ TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
 }
 
 // Each road from a marker shown once: windows 100 and 101 of class
-// Ostrvane1, blank colour under a red group default.
+// Ostrvane1, blank colour under a red group default. A road writes cells
+// {row, column, value}; a column of 0 destroys the windows instead.
 struct Road {
     const char* name;
-    std::function<void(MarkerStore&, MarkerWindows&)> change;
+    std::vector<std::array<int, 3>> cells;
     Lines calls;
 };
 
@@ -119,13 +119,18 @@ TEST_P(ShowMarkerRoads, CallsInOrder) {
     SetGroupDefaults({-1, -1, 255, -1, -1, -1});
     PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
     windows.ShowMarker(1);
-    ASSERT_EQ(Cell(1, HwndH), 100);
+    ASSERT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
+                                  "SetAlpha 100 255", "SetAlpha 101 255"}));
     lines.calls.clear();
-
-    GetParam().change(frm.store, windows);
+    for (const auto& [row, column, value] : GetParam().cells) {
+        if (column == 0) windows.DestroyMarkerWindows(row);
+        else frm.store.Markers(row, column) = value;
+    }
     windows.ShowMarker(1);
-
     EXPECT_EQ(lines.calls, GetParam().calls);
+    // The painted cells follow the raw and the effective colour.
+    EXPECT_EQ(Cell(1, PaintedColour), Cell(1, Colour));
+    EXPECT_EQ(Cell(1, PaintedEffective), EffectiveValue(frm.store, 1, Colour));
 }
 
 const Lines kQuiet = {"Move 100", "Move 101", "SetAlpha 100 255", "SetAlpha 101 255"};
@@ -135,51 +140,24 @@ const Lines kRebuilt = {"RegisterClass Ostrvane2", "Destroy 100", "Destroy 101",
 INSTANTIATE_TEST_SUITE_P(
     MarkerWindows, ShowMarkerRoads,
     ::testing::Values(
-        Road{"Nothing", [](MarkerStore&, MarkerWindows&) {}, kQuiet},
-        Road{"PlaceAndOpacity",
-             [](MarkerStore& s, MarkerWindows&) {
-                 s.Markers(1, Hpos) = 300;
-                 s.Markers(1, Opacity) = 50;
-             },
+        Road{"Nothing", {}, kQuiet},
+        Road{"PlaceAndOpacity", {{1, Hpos, 300}, {1, Opacity, 50}},
              {"Move 100", "Move 101", "SetAlpha 100 128", "SetAlpha 101 128"}},
-        // Painted over in place, with one yield before each paint.
-        Road{"GroupColour", [](MarkerStore& s, MarkerWindows&) { s.Markers(0, Colour) = 65280; },
+        // Painted over in place, with one yield before each paint; the
+        // window keeps its class, so a system repaint shows red again.
+        Road{"GroupColour", {{0, Colour, 65280}},
              {"RegisterClass Ostrvane2", "DoEvents", "Paint 100 Ostrvane2", "DoEvents", "Paint 101 Ostrvane2",
               "Move 100", "Move 101", "SetAlpha 100 255", "SetAlpha 101 255"}},
-        Road{"OwnColour", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Colour) = 65280; }, kRebuilt},
-        Road{"DottedAlone", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Dotted) = 1; }, kQuiet},
+        Road{"OwnColour", {{1, Colour, 65280}}, kRebuilt},
+        Road{"DottedAlone", {{1, Dotted, 1}}, kQuiet},
         // What the click of the dotted box does to force the rebuild.
-        Road{"DottedWithPaintedColourCleared",
-             [](MarkerStore& s, MarkerWindows&) {
-                 s.Markers(1, Dotted) = 1;
-                 s.Markers(1, PaintedColour) = 0;
-             },
-             kRebuilt},
+        Road{"DottedWithPaintedColourCleared", {{1, Dotted, 1}, {1, PaintedColour, 0}}, kRebuilt},
         // The painted cells still match; creation all the same.
-        Road{"Destroyed", [](MarkerStore&, MarkerWindows& w) { w.DestroyMarkerWindows(1); },
+        Road{"Destroyed", {{1, 0, 0}},
              {"Destroy 100", "Destroy 101", "Create Ostrvane1", "Create Ostrvane1", "SetAlpha 102 255",
               "SetAlpha 103 255"}},
-        Road{"Opacity200", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Opacity) = 200; },
-             {"Move 100", "Move 101"}}),
+        Road{"Opacity200", {{1, Opacity, 200}}, {"Move 100", "Move 101"}}),
     [](const ::testing::TestParamInfo<Road>& info) { return std::string(info.param.name); });
-
-TEST_F(MarkerWindowsTest, FirstShowAndPaintKeepTheirCells) {
-    SetGroupDefaults({-1, -1, 255, -1, -1, -1});
-    PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
-    windows.ShowMarker(1);
-    EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
-                                  "SetAlpha 100 255", "SetAlpha 101 255"}));
-    EXPECT_EQ(std::make_pair(Cell(1, PaintedColour), Cell(1, PaintedEffective)), std::make_pair(-1, 255));
-
-    frm.store.Markers(0, Colour) = 65280;
-    windows.ShowMarker(1);
-    EXPECT_EQ(WindowOf(1, HwndH).className, "Ostrvane1");  // a system repaint shows red again
-    EXPECT_EQ(WindowOf(1, HwndH).paintedWith, "Ostrvane2");
-    EXPECT_EQ(std::make_pair(Cell(1, PaintedColour), Cell(1, PaintedEffective)), std::make_pair(-1, 65280));
-
-    windows.DestroyMarkerWindows(1);
-    EXPECT_EQ(std::make_pair(Cell(1, HwndH), Cell(1, HwndV)), std::make_pair(0, 101));  // HwndV stale
-}
 
 TEST_F(MarkerWindowsTest, AWindowTakenAwayDuringTheYieldIsLeftAlone) {
     SetGroupDefaults({-1, -1, 255, -1, -1, -1});

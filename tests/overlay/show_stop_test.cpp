@@ -9,21 +9,27 @@ protected:
     ShowStopTest() { frm.SetVisible(true); }
     void Append(std::int32_t hpos) { frm.AppendMarker(hpos, 200, 21, 21, 255, 1, 100, 0); }
     void Press() { frm.cmdShow.PerformClick(); }
+    // Showing, the captions of the button and the popup entry, the message;
+    // flash phase, mouse hook, mouse mode; the timers flash, add, add
+    // complete, move; the windows up; the form.
+    std::string State() const {
+        std::string timers;
+        for (const form::Timer* t :
+             {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
+            timers += t->TimerEnabled() ? '1' : '0';
+        return std::to_string(frm.Showing) + " " + frm.cmdShow.Caption() + " " + frm.mnuPopupShow.Caption() + " [" +
+               frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string(frm.MouseHooked) +
+               std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lines.windows.size()) +
+               (frm.Visible() ? " up" : " hidden") +
+               (frm.GetWindowState() == form::WindowState::Minimized ? " minimised" : "");
+    }
 };
 
 TEST_F(ShowStopTest, ShowWithNoMarkersSaysSoAndBringsTheFormBack) {
     WriteDefaults("HideOnGo=1\r\n");
     frm.mnuFileMinToTray.PerformClick();
-
     Press();
-
-    EXPECT_TRUE(frm.Showing);
-    EXPECT_EQ(frm.lblMsg.Caption(), "Select a group or add a marker");
-    EXPECT_TRUE(frm.Visible());
-    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Normal);
-    EXPECT_EQ(frm.cmdShow.Caption(), "&Stop");
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Stop");
-    EXPECT_TRUE(frm.MouseHooked);
+    EXPECT_EQ(State(), "1 &Stop &Stop [Select a group or add a marker] 010 0000 0 up");
     frm.AddMarker(500, 600, 21, 21, 255, 1, 100, 0);
     EXPECT_EQ(lines.windows.size(), 2u) << "still showing: a new marker goes straight up";
 }
@@ -34,14 +40,10 @@ TEST_F(ShowStopTest, ShowThenStop) {
     frm.lstMarkers.SetListIndex(0);
     frm.txtHpos.SetText("700");  // an edit not yet in the table
     frm.FlashPhase = true;
-
     Press();
-
-    EXPECT_FALSE(frm.FlashPhase);
-    EXPECT_EQ(lines.windows.size(), 4u);
+    EXPECT_EQ(State(), "1 &Stop &Stop [] 010 0000 4 up");
     EXPECT_EQ(WindowOf(1, HwndV).rect.left, 700);
     EXPECT_EQ(frm.mnuShow.Caption().substr(0, 6), "&Show ");
-    EXPECT_TRUE(frm.Visible());
 
     // A placement and a drag under way when the stop comes.
     for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
@@ -50,21 +52,10 @@ TEST_F(ShowStopTest, ShowThenStop) {
     frm.lblMsg.SetCaption("Left click to place marker");
     for (form::Timer* t : {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
         t->SetTimerEnabled(true);
-
     Press();
-
-    EXPECT_FALSE(frm.Showing);
-    EXPECT_TRUE(lines.windows.empty());
+    // the drag's timer is not the stop's business
+    EXPECT_EQ(State(), "0 &Show &Show [] 000 0001 0 up");
     EXPECT_EQ(windows.AddLines[1], 0);
-    EXPECT_EQ(frm.cmdShow.Caption(), "&Show");
-    EXPECT_EQ(frm.mnuPopupShow.Caption(), "&Show");
-    EXPECT_EQ(frm.lblMsg.Caption(), "");
-    EXPECT_FALSE(frm.FlashPhase);
-    EXPECT_FALSE(frm.MouseHooked);
-    EXPECT_EQ(frm.MouseMode, 0);
-    for (const form::Timer* t : {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete})
-        EXPECT_FALSE(t->TimerEnabled()) << t->Name();
-    EXPECT_TRUE(frm.timMoveMarker.TimerEnabled()) << "the drag's timers are not the stop's business";
 }
 
 TEST_F(ShowStopTest, TheMenusPressTheButton) {
@@ -99,49 +90,25 @@ TEST_F(ShowStopTest, NoLinesOutliveTheStopAfterTheFocusedMarkerWentAway) {
     }
 }
 
-TEST_F(ShowStopTest, FlashTimerRunsOnlyWhenFlashSelectedIsChecked) {
+// Both settings are read at the moment they are needed; the lines stay up
+// whatever the form does. The flash timer follows its check box.
+TEST_F(ShowStopTest, HideOnGoRestoreOnStopAndFlash) {
     Append(100);
-    for (const auto& [check, enabled] : {std::pair{0, false}, {1, true}, {2, false}}) {
-        SCOPED_TRACE(check);
-        frm.chkFlashSelected.SetValue(check);
-        Press();
-        EXPECT_EQ(frm.timFlashSelected.TimerEnabled(), enabled);
-        Press();
-    }
-}
-
-// Both settings are read at the moment they are needed.
-TEST_F(ShowStopTest, HideOnGoAndRestoreOnStop) {
-    Append(100);
-    struct Case {
-        const char* settings;
-        bool hiddenAfterShow, visibleAfterStop;
-    };
-    const Case cases[] = {{"HideOnGo=1\r\n", true, false},
-                          {"HideOnGo=2\r\nRestoreOnStop=0\r\n", false, true},
-                          {"HideOnGo=1\r\nRestoreOnStop=1\r\n", true, true},
-                          {"", false, true}};
-    for (const Case& c : cases) {
+    const struct { const char* settings; int flash; const char* shown; const char* stopped; } cases[] = {
+        {"HideOnGo=1\r\n", 1, "1000 2 hidden minimised", "0000 0 hidden minimised"},
+        {"HideOnGo=2\r\nRestoreOnStop=0\r\n", 2, "0000 2 up", "0000 0 up"},
+        {"HideOnGo=1\r\nRestoreOnStop=1\r\n", 0, "0000 2 hidden minimised", "0000 0 up"},
+        {"", 1, "1000 2 up", "0000 0 up"}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.settings);
         WriteDefaults(c.settings);
         frm.mnuPopupRestore.PerformClick();
-
+        frm.chkFlashSelected.SetValue(c.flash);
         Press();
-        EXPECT_EQ(frm.Visible(), !c.hiddenAfterShow);
-        EXPECT_EQ(lines.windows.size(), 2u) << "the lines stay up whatever the form does";
-
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.shown);
         Press();
-        EXPECT_EQ(frm.Visible(), c.visibleAfterStop);
-        EXPECT_EQ(frm.GetWindowState() == form::WindowState::Minimized, !c.visibleAfterStop);
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.stopped);
     }
-}
-
-TEST_F(ShowStopTest, ShowWhileMinimisedLeavesTheForegroundAlone) {
-    Append(100);
-    frm.mnuFileMinToTray.PerformClick();
-    Press();
-    EXPECT_TRUE(desktop.calls.empty());
-    EXPECT_EQ(lines.windows.size(), 2u);
 }
 
 }  // namespace
