@@ -10,21 +10,22 @@ namespace {
 
 using Calls = std::vector<std::string>;
 using Ints = std::vector<int>;
+using MarkerList = std::vector<std::array<std::int32_t, 4>>;
 
-// A loaded group with blank defaults; markers are selected with a click so
-// that the Validate tails put the bars on the focused marker.
+// A loaded group whose default lengths are 40; markers are selected with a
+// click so that the Validate tails put the bars on the focused marker.
 class NudgeTest : public MainFormTest {
 protected:
-    NudgeTest() {
-        frm.SetNudgeRanges();
-        for (int c : {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) frm.store.Markers(0, c) = kBlank;
-        frm.CurrentGroup = 0;
-    }
-    // Markers with blank style cells; the first is clicked, the others joined to the selection.
-    void Markers(std::initializer_list<std::array<std::int32_t, 4>> rows, int selected = 1) {
+    NudgeTest() { frm.SetNudgeRanges(); }
+    // Markers {Hpos, Vpos, Hlen, Vlen} with blank style cells, all selected, the first focused.
+    void Load(const MarkerList& rows, std::int16_t group = 0) {
+        frm.lstMarkers.Clear();
+        frm.store.MarkerCount = 0;
+        frm.CurrentGroup = group;
+        frm.store.Markers(0, Hlen) = frm.store.Markers(0, Vlen) = 40;
         for (const auto& r : rows) frm.AppendMarker(r[0], r[1], r[2], r[3], kBlank, kBlank, kBlank, kBlank);
         frm.lstMarkers.ClickItem(0);
-        for (int i = 1; i < selected; ++i) frm.lstMarkers.SetSelected(i, true);
+        for (int i = 1; i < static_cast<int>(rows.size()); ++i) frm.lstMarkers.SetSelected(i, true);
         overlay.calls.clear();
     }
     static void Press(form::ScrollBar& bar, int step) { bar.SetValue(bar.Value() + step); }
@@ -45,7 +46,8 @@ TEST_F(NudgeTest, RangesFollowTheVirtualScreenAndLeaveLoadingAsItWas) {
 
 TEST_F(NudgeTest, MoveTakesEverySelectedMarkerByTheFocusedOnesStep) {
     WriteDataFile("[Main]\r\n1=100,200,50,50,,,,\r\n");
-    Markers({{100, 200, 50, 50}, {1915, 1075, 50, 50}, {700, 700, 50, 50}}, 2);
+    Load({{100, 200, 50, 50}, {1915, 1075, 50, 50}});
+    frm.AppendMarker(700, 700, 50, 50, kBlank, kBlank, kBlank, kBlank);  // not selected
     Press(frm.scrNudgeX, 1);
     Press(frm.scrNudgeY, 10);
     EXPECT_EQ(frm.txtHpos.Text() + "," + frm.txtVpos.Text(), "101,210");
@@ -62,58 +64,35 @@ TEST_F(NudgeTest, MoveTakesEverySelectedMarkerByTheFocusedOnesStep) {
     EXPECT_EQ((Ints{Cell(1, Hpos), Cell(1, Vpos), Cell(1, Hlen), Cell(1, Vlen)}), (Ints{101, 210, 50, 50}));
     EXPECT_EQ(frm.txtHpos.Text(), "101");
     EXPECT_FALSE(frm.Dirty);
+
+    frm.Loading = false;  // a move takes its step in 16 bits
+    frm.store.Markers(1, Hpos) = 100000;
+    EXPECT_EQ(ErrorOf([&] { Press(frm.scrNudgeX, 1); }), kOverflow);
 }
 
-TEST_F(NudgeTest, WholeScreenLengthBecomesANumberAtTheFirstResize) {
-    Markers({{100, 200, kWholeScreen, 300}});
-    Press(frm.scrNudgeW, -1);
-    EXPECT_EQ(Cell(1, Hlen), 1919);
-    EXPECT_EQ(frm.txtHlen.Text(), "1919");
-    Press(frm.scrNudgeW, -10);
-    EXPECT_EQ(Cell(1, Hlen), 1909);
-}
-
-TEST_F(NudgeTest, BlankLengthTakesTheGroupDefaultWhichStays) {
-    frm.store.Markers(0, Vlen) = 40;
-    Markers({{100, 200, 50, kBlank}});
-    Press(frm.scrNudgeH, 1);  // the lower arrow shortens
-    EXPECT_EQ(Cell(1, Vlen), 39);
-    EXPECT_EQ(Cell(0, Vlen), 40);
-    EXPECT_EQ(frm.txtVlen.Text(), "39");
-    Press(frm.scrNudgeH, -3);
-    EXPECT_EQ(Cell(1, Vlen), 42);
-    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowMarker 1"}));
-}
-
-// With no group loaded a blank length skips row 0 and goes to the global
-// default; a second selected marker shows the step that came of it.
-TEST_F(NudgeTest, WithoutAGroupResizePassesRowZeroBy) {
-    frm.CurrentGroup = -1;
-    frm.store.Markers(0, Hlen) = 40;
-    Markers({{100, 200, kBlank, 50}, {300, 200, 1000, 50}}, 2);
-    ASSERT_EQ(frm.scrNudgeW.Value(), 40);  // the field's tail still reads row 0
-    Press(frm.scrNudgeW, 1);
-    EXPECT_EQ(Cell(1, Hlen), 41);
-    EXPECT_EQ(Cell(2, Hlen), 1000 + 41 - 1920);
-}
-
-TEST_F(NudgeTest, VerticalResizeAtTheBarsMaximumKeepsALineOfOne) {
-    Markers({{100, 200, 50, 500}});
-    frm.scrNudgeH.SetValue(frm.scrNudgeH.Max());
-    EXPECT_EQ(Cell(1, Vlen), 1);
-    EXPECT_EQ(frm.txtVlen.Text(), "1");
-    frm.scrNudgeH.SetValue(0);  // the upper end is the longest line
-    EXPECT_EQ(Cell(1, Vlen), 1080);
-}
-
-// A move takes its step in 16 bits, a resize in 32: lengths from a file
-// may be far beyond the screen.
-TEST_F(NudgeTest, AMoveStepBeyondSixteenBitsIsAnOverflowAResizeStepIsNot) {
-    Markers({{100000, 200, 100000, 100000}});  // the X bar cannot take 100000 and stays put
-    EXPECT_EQ(ErrorOf([&] { frm.scrNudgeX.SetValue(5); }), kOverflow);
-    Press(frm.scrNudgeW, -1);
-    Press(frm.scrNudgeH, 1);
-    EXPECT_EQ((Ints{Cell(1, Hpos), Cell(1, Hlen), Cell(1, Vlen)}), (Ints{100000, 1919, 1078}));
+// The bar is set to each value in turn; after each, the length cells of the
+// markers and the field read as given. A resize step is 32-bit.
+TEST_F(NudgeTest, ResizeStepsFromTheFocusedMarkersLength) {
+    using Steps = std::vector<std::pair<int, const char*>>;
+    const struct { const char* name; std::int16_t group; MarkerList markers; bool vertical; Steps steps; } cases[] = {
+        {"whole screen turns into a number", 0, {{100, 200, kWholeScreen, 300}}, false, {{1919, "1919 1919"}, {1909, "1909 1909"}}},
+        {"blank takes the group default, which stays", 0, {{100, 200, 50, kBlank}}, true, {{1041, "39 39"}, {1038, "42 42"}}},
+        {"without a group row 0 is passed by", -1, {{100, 200, kBlank, 50}, {300, 200, 1000, 50}}, false, {{41, "41 -879 41"}}},
+        {"the bar's maximum keeps a line of 1", 0, {{100, 200, 50, 500}}, true, {{1080, "1 1"}, {0, "1080 1080"}}},
+        {"a length from the file", 0, {{100, 200, 100000, 100000}}, false, {{1919, "1919 1919"}}},
+        {"a length from the file", 0, {{100, 200, 100000, 100000}}, true, {{2, "1078 1078"}}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Load(c.markers, c.group);
+        const int column = c.vertical ? Vlen : Hlen;
+        for (const auto& [value, seen] : c.steps) {
+            (c.vertical ? frm.scrNudgeH : frm.scrNudgeW).SetValue(value);
+            std::string got;
+            for (int r = 1; r <= frm.store.MarkerCount; ++r) got += std::to_string(Cell(r, column)) + " ";
+            EXPECT_EQ(got + (c.vertical ? frm.txtVlen : frm.txtHlen).Text(), seen) << value;
+        }
+        EXPECT_EQ(Cell(0, column), 40);
+    }
 }
 
 }  // namespace

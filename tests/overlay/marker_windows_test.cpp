@@ -1,17 +1,71 @@
-// The line windows of the markers: the road ShowMarker takes, what it asks
-// of the platform on each, and the window classes behind the lines.
+// The real marker windows on fake line windows, attached to a main form on
+// the fake platform: the road ShowMarker takes, the window classes behind
+// the lines, and the show and stop switch driven through the form.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <functional>
 #include <ostream>
+#include <string>
+#include <vector>
 
-#include "overlay/overlay_fixture.hpp"
+#include "editor/main_form.hpp"
+#include "fakes/fake_platform.hpp"
+#include "overlay/marker_windows.hpp"
+#include "support/run_time_error.hpp"
+#include "support/temp_dir.hpp"
 
-namespace ostrivane {
-
-static std::ostream& operator<<(std::ostream& os, const PixelRect& r) {
-    return os << '{' << r.left << ", " << r.top << ", " << r.width << ", " << r.height << '}';
-}
-
-namespace testing {
+namespace ostrivane::testing {
 namespace {
+
+using Lines = std::vector<std::string>;
+
+class OverlayTest : public ::testing::Test {
+protected:
+    OverlayTest() : windows(lines, desktop), frm(dialogs, windows, desktop) {
+        windows.Attach(frm);
+        frm.screen = {1920, 1080, 0, 0};
+        frm.DataFile = dir.file("ostrivane.ini");
+        // The yield stands among the paints, and other events may run there.
+        desktop.duringDoEvents = [this] {
+            lines.calls.push_back("DoEvents");
+            if (duringYield) duringYield();
+        };
+    }
+
+    // Row 0 with the group defaults {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
+    void SetGroupDefaults(const std::array<std::int32_t, 6>& v) {
+        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(0, kLook[i]) = v[i];
+    }
+    // A marker written straight into the table: {Hpos, Vpos, then as above}.
+    int PutMarker(const std::array<std::int32_t, 8>& v) {
+        const int r = ++frm.store.MarkerCount;
+        frm.store.Markers(r, Hpos) = v[0];
+        frm.store.Markers(r, Vpos) = v[1];
+        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(r, kLook[i]) = v[i + 2];
+        return r;
+    }
+    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
+    const fakes::FakeLineWindows::Window& WindowOf(int row, int column) const {
+        return lines.windows.at(Cell(row, column));
+    }
+    // A window as "left top width height alpha".
+    std::string Seen(int row, int column) const {
+        const auto& w = WindowOf(row, column);
+        return std::to_string(w.rect.left) + " " + std::to_string(w.rect.top) + " " + std::to_string(w.rect.width) +
+               " " + std::to_string(w.rect.height) + " " + std::to_string(w.alpha);
+    }
+
+    static constexpr int kLook[6] = {Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
+    std::function<void()> duringYield;
+    TempDir dir;
+    fakes::FakeDialogs dialogs;
+    fakes::FakeDesktop desktop;
+    fakes::FakeLineWindows lines;
+    MarkerWindows windows;
+    MainForm frm;
+};
 
 class MarkerWindowsTest : public OverlayTest {
 protected:
@@ -38,68 +92,44 @@ TEST_F(MarkerWindowsTest, NothingReachesTheScreenWhileStoppedOrForARowOutsideThe
     EXPECT_EQ(Cell(1, PaintedColour), 0);
 }
 
+// A step that fails goes alone; what it was to give stays 0, and an alpha
+// that cannot be had is never applied (-1).
 TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
-    struct Case {
-        const char* name;
-        ScreenMetrics screen;
-        std::array<std::int32_t, 6> group;
-        std::array<std::int32_t, 8> marker;
-        PixelRect horizontal, vertical;
-        int alpha;  // -1: never applied
-    };
-    const std::array<std::int32_t, 6> none = {-1, -1, -1, -1, -1, -1};
-    const Case cases[] = {
-        {"own", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 3, 70, 0}, {88, 199, 21, 3}, {99, 188, 3, 21}, 178},
-        {"global", {1920, 1080, 0, 0}, none, {100, 200, -1, -1, -1, -1, -1, -1}, {0, 200, 1920, 1},
-         {100, 0, 1, 1920}, 255},
-        {"group", {1920, 1080, 0, 0}, {20, 20, -1, 3, 30, -1}, {100, 200, -1, -1, -1, -1, -1, -1},
-         {89, 199, 20, 3}, {99, 189, 3, 20}, 76},
-        {"S left of and above 0", {3200, 1024, -1280, -300}, none, {-500, 100, -2, -2, 255, 1, 90, 0},
-         {-1280, 100, 3200, 1}, {-500, -300, 1, 3200}, 230},
-        {"clamped", {3200, 1024, -1280, -300}, none, {-1270, -290, 40, 30, 255, 1, 1, 0}, {-1280, -290, 40, 1},
-         {-1270, -300, 1, 30}, 3},
-        // A step that fails goes alone; what it was to give stays 0.
-        {"opacity 200", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 1, 200, 0}, {90, 200, 21, 1},
-         {100, 190, 1, 21}, -1},
-        {"thickness 40000", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 40000, 100, 0}, {90, 200, 21, 0},
-         {100, 190, 0, 21}, 255},
-        {"hlen 40000", {1920, 1080, 0, 0}, none, {100, 200, 40000, 21, 255, 1, 100, 0}, {100, 200, 1, 1},
-         {100, 190, 1, 21}, 255},
-        {"start beyond 16 bits", {1920, 1080, 0, 0}, none, {2000000000, 200, 21, 21, 255, 1, 100, 0}, {}, {}, 255},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        frm.screen = c.screen;
-        SetGroupDefaults(c.group);
+    const struct { bool wide; std::array<std::int32_t, 8> marker; const char* horizontal; const char* vertical; } cases[] = {
+        {false, {100, 200, -1, -1, -1, -1, -1, -1}, "89 199 20 3 76", "99 189 3 20 76"},  // the group's
+        {true, {-500, 100, -2, -2, 255, 1, 90, 0}, "-1280 100 3200 1 230", "-500 -300 1 3200 230"},
+        {false, {100, 200, 21, 21, 255, 1, 200, 0}, "90 200 21 1 -1", "100 190 1 21 -1"},
+        {false, {100, 200, 21, 21, 255, 40000, 100, 0}, "90 200 21 0 255", "100 190 0 21 255"},
+        {false, {100, 200, 40000, 21, 255, 1, 100, 0}, "100 200 1 1 255", "100 190 1 21 255"},
+        {false, {2000000000, 200, 21, 21, 255, 1, 100, 0}, "0 0 0 0 255", "0 0 0 0 255"}};
+    SetGroupDefaults({20, 20, -1, 3, 30, -1});
+    for (const auto& c : cases) {
+        frm.screen = c.wide ? ScreenMetrics{3200, 1024, -1280, -300} : ScreenMetrics{1920, 1080, 0, 0};
         const int r = PutMarker(c.marker);
-
         EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(r); }), 0);
-
         ASSERT_NE(Cell(r, HwndH), 0);
-        EXPECT_EQ(WindowOf(r, HwndH).rect, c.horizontal);
-        EXPECT_EQ(WindowOf(r, HwndV).rect, c.vertical);
-        EXPECT_EQ(WindowOf(r, HwndH).alpha, c.alpha);
-        EXPECT_EQ(WindowOf(r, HwndV).alpha, c.alpha);
+        EXPECT_EQ(Seen(r, HwndH), c.horizontal);
+        EXPECT_EQ(Seen(r, HwndV), c.vertical);
     }
 }
 
+// Same colour and dotted value share a class; the dotted value is kept as
+// given, so 2 is a class of its own beside 1.
 TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
     SetGroupDefaults({-1, -1, 65280, -1, -1, -1});
     for (const std::int32_t dotted : {0, 0, 1, 2}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
     PutMarker({50, 50, 5, 5, -1, 1, 100, -1});  // group colour, global dotted 0
     PutMarker({60, 60, 5, 5, 65280, 1, 100, 0});
-
     windows.ShowAllMarkers();
-
-    EXPECT_EQ(windows.ClassCount, 4);
-    const int expected[] = {1, 1, 2, 3, 4, 4};
-    for (int r = 1; r <= 6; ++r) EXPECT_EQ(WindowOf(r, HwndV).className, "Ostrvane" + std::to_string(expected[r - 1]));
-    const std::pair<std::int32_t, std::int32_t> pairs[] = {{255, 0}, {255, 1}, {255, 2}, {65280, 0}};
-    for (int n = 1; n <= 4; ++n) {
-        const auto& registered = lines.classes.at("Ostrvane" + std::to_string(n));
-        EXPECT_EQ(std::make_pair(registered.colour, registered.dotted), pairs[n - 1]);
-        EXPECT_EQ(std::make_pair(windows.MarkerClasses(n, 1), windows.MarkerClasses(n, 2)), pairs[n - 1]);
+    std::string got;
+    for (int r = 1; r <= 6; ++r) {
+        const std::string& name = WindowOf(r, HwndV).className;
+        got += name + "=" + std::to_string(lines.classes.at(name).colour) + "/" +
+               std::to_string(lines.classes.at(name).dotted) + " ";
     }
+    EXPECT_EQ(got, "Ostrvane1=255/0 Ostrvane1=255/0 Ostrvane2=255/1 Ostrvane3=255/2 Ostrvane4=65280/0 "
+                   "Ostrvane4=65280/0 ");
+    EXPECT_EQ(windows.ClassCount, 4);
 }
 
 // Each road from a marker shown once: windows 100 and 101 of class
@@ -166,11 +196,10 @@ TEST_F(MarkerWindowsTest, AWindowTakenAwayDuringTheYieldIsLeftAlone) {
     frm.store.Markers(0, Colour) = 65280;
     duringYield = [&] { windows.DestroyAllMarkerWindows(); };  // a stop from the hot key
     lines.calls.clear();
-
     EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
-
     EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane2", "DoEvents", "Destroy 100", "Destroy 101", "DoEvents"}));
     EXPECT_EQ(Cell(1, PaintedEffective), 65280);
+    EXPECT_EQ(Cell(1, HwndV), 101);  // stale, and read by nobody while HwndH is 0
 }
 
 TEST_F(MarkerWindowsTest, BlackKeepsItsClassWhenTheDottedBoxForcesARebuild) {
@@ -187,12 +216,10 @@ TEST_F(MarkerWindowsTest, The101stClassLeavesTheMarkerWithoutWindows) {
     for (std::int32_t colour = 0; colour < 100; ++colour) windows.GetMarkerClass(colour, 0);
     PutMarker({100, 200, 21, 21, 5000, 1, 100, 0});
     lines.calls.clear();
-
     EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
     EXPECT_EQ(windows.ClassCount, 101);
     EXPECT_EQ(Cell(1, HwndH), 0);
     EXPECT_EQ(lines.calls, (Lines{"Create Ostrvane0", "Create Ostrvane0"}));
-
     // No row is reused: new pairs keep failing, old ones still serve.
     EXPECT_EQ(ErrorOf([&] { windows.GetMarkerClass(6000, 0); }), kSubscriptOutOfRange);
     EXPECT_EQ(windows.ClassCount, 101);
@@ -207,18 +234,125 @@ TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     windows.ShowAllMarkers();  // windows 100 to 103
     for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
     lines.calls.clear();
-
     windows.DestroyAllMarkerWindows();
     windows.UnregisterMarkerClasses();
-
     EXPECT_EQ(lines.calls, (Lines{"Destroy 104", "Destroy 105", "Destroy 106", "Destroy 107", "Destroy 100",
                                   "Destroy 101", "Destroy 102", "Destroy 103", "UnregisterClass Ostrvane1",
                                   "UnregisterClass Ostrvane2"}));
     EXPECT_EQ(windows.AddLines, (std::array<WindowHandle, 5>{}));
-    EXPECT_TRUE(lines.windows.empty());
-    EXPECT_TRUE(lines.classes.empty());
+    EXPECT_TRUE(lines.windows.empty() && lines.classes.empty());
+}
+
+// ---- The show and stop switch, through the form's buttons and menus ----
+
+class ShowStopTest : public OverlayTest {
+protected:
+    ShowStopTest() { frm.SetVisible(true); }
+    void Append(std::int32_t hpos) { frm.AppendMarker(hpos, 200, 21, 21, 255, 1, 100, 0); }
+    void Press() { frm.cmdShow.PerformClick(); }
+    void WriteDefaults(const std::string& section) {
+        std::ofstream(frm.DataFile, std::ios::binary) << "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" << section;
+    }
+    // Showing, the captions of the button and the popup entry, the message;
+    // flash phase, mouse hook, mouse mode; the timers flash, add, add
+    // complete, move; the windows up; the form.
+    std::string State() const {
+        std::string timers;
+        for (const form::Timer* t :
+             {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
+            timers += t->TimerEnabled() ? '1' : '0';
+        return std::to_string(frm.Showing) + " " + frm.cmdShow.Caption() + " " + frm.mnuPopupShow.Caption() + " [" +
+               frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string(frm.MouseHooked) +
+               std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lines.windows.size()) +
+               (frm.Visible() ? " up" : " hidden") +
+               (frm.GetWindowState() == form::WindowState::Minimized ? " minimised" : "");
+    }
+};
+
+TEST_F(ShowStopTest, ShowWithNoMarkersSaysSoAndBringsTheFormBack) {
+    WriteDefaults("HideOnGo=1\r\n");
+    frm.mnuFileMinToTray.PerformClick();
+    Press();
+    EXPECT_EQ(State(), "1 &Stop &Stop [Select a group or add a marker] 010 0000 0 up");
+    frm.AddMarker(500, 600, 21, 21, 255, 1, 100, 0);
+    EXPECT_EQ(lines.windows.size(), 2u) << "still showing: a new marker goes straight up";
+}
+
+TEST_F(ShowStopTest, ShowThenStop) {
+    Append(100);
+    Append(300);
+    frm.lstMarkers.SetListIndex(0);
+    frm.txtHpos.SetText("700");  // an edit not yet in the table
+    frm.FlashPhase = true;
+    Press();
+    EXPECT_EQ(State(), "1 &Stop &Stop [] 010 0000 4 up");
+    EXPECT_EQ(WindowOf(1, HwndV).rect.left, 700);
+    EXPECT_EQ(frm.mnuShow.Caption().substr(0, 6), "&Show ");
+
+    // A placement and a drag under way when the stop comes.
+    for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
+    frm.MouseMode = 2;
+    frm.FlashPhase = true;
+    frm.lblMsg.SetCaption("Left click to place marker");
+    for (form::Timer* t : {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
+        t->SetTimerEnabled(true);
+    Press();
+    EXPECT_EQ(State(), "0 &Show &Show [] 000 0001 0 up");  // the drag's timer is not the stop's business
+    EXPECT_EQ(windows.AddLines[1], 0);
+}
+
+TEST_F(ShowStopTest, TheMenusPressTheButton) {
+    frm.mnuShow.PerformClick();
+    EXPECT_TRUE(frm.Showing);
+    frm.mnuPopupShow.PerformClick();
+    EXPECT_FALSE(frm.Showing);
+    int presses = 0;
+    frm.cmdShow.Click.Connect([&] { ++presses; });  // in place of Go
+    frm.mnuShow.PerformClick();
+    frm.mnuPopupShow.PerformClick();
+    EXPECT_EQ(presses, 2);
+}
+
+// Deleting the focused marker or clearing the group moves the focus out of
+// a marker field while no marker is focused: its Validate must not put up
+// lines that no stop takes down.
+TEST_F(ShowStopTest, NoLinesOutliveTheStopAfterTheFocusedMarkerWentAway) {
+    const std::pair<form::MenuItem*, form::TextBox*> roads[] = {{&frm.mnuDelMarker, &frm.txtHpos},
+                                                                {&frm.mnuClearGroupSelection, &frm.txtThickness}};
+    for (const auto& [menu, field] : roads) {
+        SCOPED_TRACE(menu->Name());
+        Append(100);
+        Append(300);
+        frm.lstMarkers.ClickItem(0);
+        frm.Dirty = false;
+        Press();
+        field->SetFocus();
+        menu->PerformClick();
+        Press();
+        EXPECT_TRUE(lines.windows.empty());
+    }
+}
+
+// Both settings are read at the moment they are needed; the lines stay up
+// whatever the form does. The flash timer follows its check box.
+TEST_F(ShowStopTest, HideOnGoRestoreOnStopAndFlash) {
+    Append(100);
+    const struct { const char* settings; int flash; const char* shown; const char* stopped; } cases[] = {
+        {"HideOnGo=1\r\n", 1, "1000 2 hidden minimised", "0000 0 hidden minimised"},
+        {"HideOnGo=2\r\nRestoreOnStop=0\r\n", 2, "0000 2 up", "0000 0 up"},
+        {"HideOnGo=1\r\nRestoreOnStop=1\r\n", 0, "0000 2 hidden minimised", "0000 0 up"},
+        {"", 1, "1000 2 up", "0000 0 up"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.settings);
+        WriteDefaults(c.settings);
+        frm.mnuPopupRestore.PerformClick();
+        frm.chkFlashSelected.SetValue(c.flash);
+        Press();
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.shown);
+        Press();
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.stopped);
+    }
 }
 
 }  // namespace
-}  // namespace testing
-}  // namespace ostrivane
+}  // namespace ostrivane::testing
