@@ -2,7 +2,6 @@
 #include "editor/main_form.hpp"
 #include "lib/errors.hpp"
 #include "lib/numbers.hpp"
-#include "lib/text.hpp"
 
 namespace ostrivane {
 
@@ -34,12 +33,8 @@ void MainForm::WireFieldEvents() {
     }
     for (form::TextBox* field : lengthFields) {
         field->GotFocus.Connect([this, field] { SelectAllText(*field); });
-        field->KeyPress.Connect([field](int& key) {
-            const bool allSelected = field->AllSelected();
-            key = FilterLengthKey(key, field->Text().empty(), allSelected);
-            // "S" stands alone: a digit beside it would leave text that is no number
-            if (!allSelected && UCase(field->Text()) == "S" && key >= '0' && key <= '9') key = 0;
-        });
+        field->KeyPress.Connect(
+            [field](int& key) { key = FilterMainLengthKey(key, field->Text(), field->AllSelected()); });
     }
 
     txtHpos.Validate.Connect([this](bool& cancel) { txtHpos_Validate(cancel); });

@@ -7,41 +7,35 @@ namespace ostrivane::testing {
 namespace {
 
 using form::MenuItem;
-using Controls = std::initializer_list<const form::Control*>;
 using Calls = std::vector<std::string>;
 
 class MainFormStart : public MainFormTest {};
 
 // Each entry as "caption|shortcut", with "|off" when it starts disabled.
 TEST_F(MainFormStart, MenuBarInOrderWithShortcutsAndStartStates) {
-    std::vector<std::string> got;
+    std::string got;
     for (MenuItem* top : frm.MenuBar()) {
-        got.push_back("[" + top->Caption() + "]");
-        for (MenuItem* e : top->Items) got.push_back(e->Caption() + "|" + e->Shortcut() + (e->Enabled() ? "" : "|off"));
+        got += "\n[" + top->Caption() + "]";
+        for (MenuItem* e : top->Items) got += " " + e->Caption() + "|" + e->Shortcut() + (e->Enabled() ? "" : "|off");
     }
-    EXPECT_EQ(got, (std::vector<std::string>{
-                       "[&File]", "&Minimise to system tray|", "&Options|", "E&xit|",
-                       "[&Edit]", "&Add Marker|Ctrl+M", "&Del Markers|Ctrl+D|off", "D&up Markers|Ctrl+U|off", "-|",
-                       "&Save Group|Ctrl+G|off", "Save Group &As|Ctrl+A|off", "&Rename Group||off", "-|",
-                       "&Export Group||off", "&Import Group|", "-|", "&Clear Group Selection|Ctrl+E",
-                       "[&View]", "&Show                                                 Ctrl+`|",
-                       "&Flash Selected                                   Ctrl+1|", "Stay On &Top|",
-                       "[&Help]", "&Help|", "&Check for updates|", "&About|"}));
+    EXPECT_EQ(got, "\n[&File] &Minimise to system tray| &Options| E&xit|"
+                   "\n[&Edit] &Add Marker|Ctrl+M &Del Markers|Ctrl+D|off D&up Markers|Ctrl+U|off -| &Save Group|Ctrl+G|off"
+                   " Save Group &As|Ctrl+A|off &Rename Group||off -| &Export Group||off &Import Group| -|"
+                   " &Clear Group Selection|Ctrl+E"
+                   "\n[&View] &Show                                                 Ctrl+`|"
+                   " &Flash Selected                                   Ctrl+1| Stay On &Top|"
+                   "\n[&Help] &Help| &Check for updates| &About|");
     EXPECT_EQ(frm.MenuBar()[1]->Items[1], &frm.mnuDelMarker);
 }
 
+// Every control of the form that starts disabled: the rest can act at once.
 TEST_F(MainFormStart, ControlsEnabledOnlyWhereTheyCanAct) {
-    for (const form::Control* c : Controls{&frm.lstGroups, &frm.lstMarkers, &frm.txtHmax, &frm.txtVmax, &frm.cmdAddMarker,
-                                           &frm.cmdShow, &frm.chkFlashSelected, &frm.chkCopyCurrOnAdd,
-                                           &frm.chkAllowGrabMarkers})
-        EXPECT_TRUE(c->Enabled()) << c->Name();
-    for (const form::Control* c :
-         Controls{&frm.txtHpos, &frm.txtVpos, &frm.txtHlen, &frm.txtVlen, &frm.txtColour, &frm.txtThickness,
-                  &frm.txtOpacity, &frm.chkDotted, &frm.txtHlenGrpDef, &frm.txtVlenGrpDef, &frm.txtColourGrpDef,
-                  &frm.txtThicknessGrpDef, &frm.txtOpacityGrpDef, &frm.chkDottedGrpDef, &frm.txtGroupNotes,
-                  &frm.cmdDelMarker, &frm.cmdSaveGroup, &frm.cmdDelGroup, &frm.scrNudgeX, &frm.scrNudgeY,
-                  &frm.scrNudgeW, &frm.scrNudgeH})
-        EXPECT_FALSE(c->Enabled()) << c->Name();
+    std::string off;
+    for (const auto& [name, c] : frm.Controls())
+        if (!c->Enabled() && !dynamic_cast<const MenuItem*>(c) && !dynamic_cast<const form::Timer*>(c)) off += name + " ";
+    EXPECT_EQ(off, "chkDotted chkDottedGrpDef cmdDelGroup cmdDelMarker cmdSaveGroup scrNudgeH scrNudgeW scrNudgeX "
+                   "scrNudgeY txtColour txtColourGrpDef txtGroupNotes txtHlen txtHlenGrpDef txtHpos txtOpacity "
+                   "txtOpacityGrpDef txtThickness txtThicknessGrpDef txtVlen txtVlenGrpDef txtVpos ");
 }
 
 // A group of markers loaded by hand: row 0 cleared, markers appended.
@@ -55,26 +49,24 @@ protected:
         overlay.calls.clear();
     }
     void Select(int index) { frm.lstMarkers.ClickItem(index); }
-    // The marker fields as shown, the dotted box's state last.
+    // The marker fields as shown, the dotted box and the colour box's back colour last.
     std::string Fields() const {
         std::string out;
         for (const form::TextBox* t : {&frm.txtHpos, &frm.txtVpos, &frm.txtHlen, &frm.txtVlen, &frm.txtColour,
                                        &frm.txtThickness, &frm.txtOpacity})
             out += t->Text() + ",";
-        return out + std::to_string(frm.chkDotted.Value());
+        return out + std::to_string(frm.chkDotted.Value()) + " " + std::to_string(frm.txtColour.BackColor());
     }
 };
 
 TEST_F(MainFormState, ClickOfAMarkerFillsItsFieldsAndBars) {
     frm.SetNudgeRanges();
     Select(0);
-    EXPECT_EQ(Fields(), "400,300,S,S,65280,3,60,0");
-    EXPECT_EQ(frm.txtColour.BackColor(), 65280);
+    EXPECT_EQ(Fields(), "400,300,S,S,65280,3,60,0 65280");
     EXPECT_TRUE(frm.txtHpos.Enabled() && frm.scrNudgeW.Enabled());
     overlay.calls.clear();
     Select(1);  // blanks show as empty fields and a grey box
-    EXPECT_EQ(Fields(), "100,100,50,,,,,2");
-    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
+    EXPECT_EQ(Fields(), "100,100,50,,,,,2 16777215");
     EXPECT_TRUE(overlay.calls.empty());  // the fields are cleared under Loading
     Select(2);
     EXPECT_EQ((std::vector<int>{frm.scrNudgeX.Value(), frm.scrNudgeY.Value(), frm.scrNudgeW.Value(), frm.scrNudgeH.Value()}),
@@ -87,8 +79,7 @@ TEST_F(MainFormState, ClickOfAMarkerFillsItsFieldsAndBars) {
     EXPECT_TRUE(frm.cmdDelMarker.Enabled() && frm.mnuDupMarker.Enabled() && frm.scrNudgeX.Enabled());
 }
 
-// One field at a time, so that each comparison has a case of its own; a
-// field left as it was raises nothing.
+// One field at a time, so that each comparison has a case; an unchanged field raises nothing.
 TEST_F(MainFormState, UpdateRaisesDirtyForEachFieldChangedAlone) {
     struct Case { form::Control& field; const char* value; int row; int column; std::int32_t cell; };
     const Case cases[] = {
@@ -106,10 +97,8 @@ TEST_F(MainFormState, UpdateRaisesDirtyForEachFieldChangedAlone) {
         frm.Dirty = false;
         frm.UpdateMarkerTable();
         EXPECT_FALSE(frm.Dirty);
-        frm.Loading = true;  // the field's own handlers stay out of it
         if (auto* box = dynamic_cast<form::CheckBox*>(&c.field)) box->SetValue(std::stoi(c.value));
         else static_cast<form::TextBox&>(c.field).SetText(c.value);
-        frm.Loading = false;
         frm.UpdateMarkerTable();
         EXPECT_TRUE(frm.Dirty);
         EXPECT_EQ(frm.store.Markers(c.row, c.column), c.cell);
@@ -122,29 +111,27 @@ TEST_F(MainFormState, UpdateRaisesDirtyForEachFieldChangedAlone) {
     EXPECT_TRUE(frm.Dirty);
 }
 
-TEST_F(MainFormState, ABlankPositionSuspendsTheWholeRow) {
+// A blank position suspends the marker row; group defaults stay in the fields
+// of a group without markers or of a form whose row 0 was never cleared.
+TEST_F(MainFormState, WhatDoesNotReachTheTable) {
     Select(0);
     frm.txtHpos.SetText("");
     frm.txtHlen.SetText("77");
     frm.UpdateMarkerTable();
     EXPECT_EQ(frm.store.Markers(1, Hlen), kWholeScreen);
-    EXPECT_FALSE(frm.Dirty);
-    frm.txtHpos.SetText("1");
-    frm.txtThickness.SetText("abc");  // pasted text that is no number
-    EXPECT_EQ(ErrorOf([&] { frm.UpdateMarkerTable(); }), kTypeMismatch);
-}
-
-TEST_F(MainFormState, GroupDefaultsStayInTheFieldsWithoutMarkersOrAClearedRow) {
-    MainForm fresh(dialogs, overlay, desktop);  // row 0 still all 0: the form is not ready
+    MainForm fresh(dialogs, overlay, desktop);
     fresh.AppendMarker(1, 2, 3, 4, 5, 1, 100, 0);
     MainForm empty(dialogs, overlay, desktop);
     empty.ClearGroupDefaults();
-    for (MainForm* f : {&fresh, &empty}) {
+    for (MainForm* f : {&frm, &fresh, &empty}) {
         f->txtHlenGrpDef.SetText("40");
         f->UpdateMarkerTable();
-        EXPECT_NE(f->store.Markers(0, Hlen), 40);
-        EXPECT_FALSE(f->Dirty);
+        EXPECT_EQ(f->store.Markers(0, Hlen) == 40, f == &frm);
+        EXPECT_EQ(f->Dirty, f == &frm);
     }
+    frm.txtHpos.SetText("1");
+    frm.txtThickness.SetText("abc");  // pasted text that is no number
+    EXPECT_EQ(ErrorOf([&] { frm.UpdateMarkerTable(); }), kTypeMismatch);
 }
 
 // Each press moves 0 -> grey -> checked -> 0, and its click clears the
@@ -171,10 +158,8 @@ TEST_F(MainFormState, ThreeStateBoxesCycleThroughGreyAndForceARebuild) {
 
 TEST_F(MainFormState, PersistingCheckBoxesWriteAtOnce) {
     frm.chkCopyCurrOnAdd.SetValue(1);
-    frm.chkAllowGrabMarkers.SetValue(1);
-    frm.chkAllowGrabMarkers.SetValue(0);
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "CopyCurrOnAdd", "", frm.DataFile), "1");
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "AllowGrabMarkers", "", frm.DataFile), "0");
+    frm.chkAllowGrabMarkers.SetValue(2);
+    EXPECT_EQ(ReadDataFile(), "[Defaults]\r\nCopyCurrOnAdd=1\r\nAllowGrabMarkers=2\r\n");
 }
 
 }  // namespace
