@@ -41,7 +41,7 @@ TEST(FieldRules, Corrections) {
         {pos, "-40", "-40"},  {pos, "7.5", "7.5"},   {pos, "1e99", "1920"}, {len, "", ""},         {len, "S", "S"},
         {len, "s", "s"},      {len, "0", "1"},       {len, "0.5", "1"},     {len, "-3", "1"},      {len, "1080", "1080"},
         {len, "1081", "1080"}, {thick, "", ""},      {thick, "0", "1"},     {thick, "2", "1"},     {thick, "3", "3"},
-        {thick, "998", "997"}, {thick, "999", "999"}, {thick, "1000", "999"}, {thick, "007", "007"},
+        {thick, "998", "997"}, {thick, "999", "999"}, {thick, "1000", "999"}, {thick, "007", "007"}, {thick, "998.5", "997.5"},
         {thick, "2.5", "1.5"},  // evenness of a fraction is that of its ties-to-even rounding
         {opacity, "", ""},    {opacity, "0", "1"},   {opacity, "100", "100"}, {opacity, "101", "100"},
         {thick, "abc", "#13"}, {opacity, "S5", "#13"}, {len, "S5", "#13"}, {len, "12abc", "#13"},
@@ -81,7 +81,7 @@ protected:
 TEST_F(FieldsTest, CorrectionThenUpdateThenShow) {
     struct Row { form::TextBox& field; const char* typed; const char* shown; int row; int column; };
     const Row rows[] = {
-        {frm.txtThickness, "2", "1", 1, Thickness},   {frm.txtThickness, "1000", "999", 1, Thickness},
+        {frm.txtThickness, "2", "1", 1, Thickness},   {frm.txtColourGrpDef, "255", "255", 0, Colour},
         {frm.txtOpacity, "101", "100", 1, Opacity},   {frm.txtHpos, "5000", "1920", 1, Hpos},
         {frm.txtVpos, "12abc", "12", 1, Vpos},        {frm.txtHlen, "0", "1", 1, Hlen},
         {frm.txtVlen, "5000", "1080", 1, Vlen},       {frm.txtThicknessGrpDef, "4", "3", 0, Thickness},
@@ -251,7 +251,7 @@ TEST_F(NudgeTest, ResizeStepsFromTheFocusedMarkersLength) {
     const struct { const char* name; std::int16_t group; MarkerList markers; bool vertical; Steps steps; } cases[] = {
         {"whole screen turns into a number", 0, {{100, 200, kWholeScreen, 300}}, false, {{1919, "1919 1919"}, {1909, "1909 1909"}}},
         {"blank takes the group default, which stays", 0, {{100, 200, 50, kBlank}}, true, {{1041, "39 39"}, {1038, "42 42"}}},
-        {"without a group row 0 is passed by", -1, {{100, 200, kBlank, 50}, {300, 200, 1000, 50}}, false, {{41, "41 -879 41"}}},
+        {"without a group row 0 is passed by", -1, {{100, 200, kBlank, 50}, {300, 200, 0, 50}}, false, {{41, "41 -1879 41"}}},
         {"the bar's maximum keeps a line of 1", 0, {{100, 200, 50, 500}}, true, {{1080, "1 1"}, {0, "1080 1080"}}},
         {"a length from the file", 0, {{100, 200, 100000, 100000}}, false, {{1919, "1919 1919"}}},
         {"a length from the file", 0, {{100, 200, 100000, 100000}}, true, {{2, "1078 1078"}}}};

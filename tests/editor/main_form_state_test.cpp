@@ -117,6 +117,7 @@ TEST_F(MainFormState, WhatDoesNotReachTheTable) {
     Select(0);
     frm.txtHpos.SetText("");
     frm.txtHlen.SetText("77");
+    frm.store.Markers(0, Vlen) = 0;  // one length of 0 is no sign of an unready row
     frm.UpdateMarkerTable();
     EXPECT_EQ(frm.store.Markers(1, Hlen), kWholeScreen);
     MainForm fresh(dialogs, overlay, desktop);
@@ -134,8 +135,7 @@ TEST_F(MainFormState, WhatDoesNotReachTheTable) {
     EXPECT_EQ(ErrorOf([&] { frm.UpdateMarkerTable(); }), kTypeMismatch);
 }
 
-// Each press moves 0 -> grey -> checked -> 0, and its click clears the
-// painted colour so that the windows are rebuilt with the new dotted state.
+// 0 -> grey -> checked -> 0; each click clears the painted colour, so the windows are rebuilt.
 TEST_F(MainFormState, ThreeStateBoxesCycleThroughGreyAndForceARebuild) {
     Select(0);
     overlay.calls.clear();

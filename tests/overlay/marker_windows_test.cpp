@@ -113,7 +113,7 @@ TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
 // given, so 2 is a class of its own beside 1.
 TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
     SetGroupDefaults({-1, -1, 65280, -1, -1, -1});
-    for (const std::int32_t dotted : {0, 0, 1, 2}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
+    for (const std::int32_t dotted : {0, 0, 2, 1}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
     PutMarker({50, 50, 5, 5, -1, 1, 100, -1});  // group colour, global dotted 0
     PutMarker({60, 60, 5, 5, 65280, 1, 100, 0});
     windows.ShowAllMarkers();
@@ -122,7 +122,7 @@ TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
         const auto& c = lines.classes.at(WindowOf(r, HwndV).className);
         got += WindowOf(r, HwndV).className + "=" + std::to_string(c.colour) + "/" + std::to_string(c.dotted) + " ";
     }
-    EXPECT_EQ(got, "Ostrvane1=255/0 Ostrvane1=255/0 Ostrvane2=255/1 Ostrvane3=255/2 Ostrvane4=65280/0 Ostrvane4=65280/0 ");
+    EXPECT_EQ(got, "Ostrvane1=255/0 Ostrvane1=255/0 Ostrvane2=255/2 Ostrvane3=255/1 Ostrvane4=65280/0 Ostrvane4=65280/0 ");
     EXPECT_EQ(windows.ClassCount, 4);
 }
 
