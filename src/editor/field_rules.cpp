@@ -29,6 +29,12 @@ int FilterLengthKey(int key, bool fieldEmpty, bool allTextSelected) {
     return FilterDigitKey(key);
 }
 
+int FilterMainLengthKey(int key, std::string_view text, bool allTextSelected) {
+    key = FilterLengthKey(key, text.empty(), allTextSelected);
+    if (!allTextSelected && UCase(text) == "S" && key >= '0' && key <= '9') return 0;
+    return key;
+}
+
 std::string CorrectPosition(std::string_view text, std::int32_t extent) {
     if (text.empty()) return {};
     return NumberToText(*lib_Min(Val(text), extent));

@@ -25,6 +25,11 @@ int FilterDigitKey(int key);
 // alone, that is when the field is empty or all of its text is selected;
 // otherwise it is dropped.
 int FilterLengthKey(int key, bool fieldEmpty, bool allTextSelected);
+// The main form's length fields go one further: while the text is "S" in
+// either case and not all selected, a digit is dropped too, so that "S"
+// never leaves them with text that is no number. The options dialog keeps
+// the plain rule above, where "S1" can be typed.
+int FilterMainLengthKey(int key, std::string_view text, bool allTextSelected);
 
 // Corrections on leaving a field. A blank text stays blank. The ones that
 // compare the text as a number raise Type mismatch (13) for text that is no

@@ -33,9 +33,8 @@ void MainForm::WireFieldEvents() {
     }
     for (form::TextBox* field : lengthFields) {
         field->GotFocus.Connect([this, field] { SelectAllText(*field); });
-        field->KeyPress.Connect([field](int& key) {
-            key = FilterLengthKey(key, field->Text().empty(), field->AllSelected());
-        });
+        field->KeyPress.Connect(
+            [field](int& key) { key = FilterMainLengthKey(key, field->Text(), field->AllSelected()); });
     }
 
     txtHpos.Validate.Connect([this](bool& cancel) { txtHpos_Validate(cancel); });

@@ -8,7 +8,8 @@ namespace ostrivane {
 
 namespace {
 
-// A bar's move as a 16-bit step: a gap too wide for 16 bits is an Overflow.
+// A move bar's step is 16-bit: a gap too wide for it is an Overflow. A
+// resize step is 32-bit, as a length from the file may be far off screen.
 std::int16_t Delta16(std::int64_t to, std::int64_t from) { return CheckedInt16(to - from); }
 
 }  // namespace
@@ -68,7 +69,7 @@ std::int32_t CurrentLength(const std::string& text, const MarkerStore& store, in
 
 // A cell with a length moves by the step; a blank or "S" cell becomes the
 // new length itself.
-void ResizeCell(std::int32_t& cell, std::int32_t cur, std::int16_t delta) {
+void ResizeCell(std::int32_t& cell, std::int32_t cur, std::int32_t delta) {
     cell = cell >= 0 ? Add32(cell, delta) : Add32(cur, delta);
 }
 
@@ -78,7 +79,7 @@ void MainForm::scrNudgeW_Change() {
     if (Loading) return;
     const int a = lstMarkers.ListIndex() + 1;
     const std::int32_t cur = CurrentLength(txtHlen.Text(), store, a, Hlen, CurrentGroup, screen.ScreenWidth);
-    const std::int16_t delta = Delta16(scrNudgeW.Value(), cur);
+    const std::int32_t delta = Sub32(scrNudgeW.Value(), cur);
     txtHlen.SetText(DecimalText(scrNudgeW.Value()));
     for (int i = 0; i < lstMarkers.ListCount(); ++i) {
         if (!lstMarkers.Selected(i)) continue;
@@ -95,7 +96,7 @@ void MainForm::scrNudgeH_Change() {
     const std::int16_t length = std::max<std::int16_t>(
         Sub16(CheckedInt16(scrNudgeH.Max()), CheckedInt16(scrNudgeH.Value())), 1);
     const std::int32_t cur = CurrentLength(txtVlen.Text(), store, a, Vlen, CurrentGroup, screen.ScreenHeight);
-    const std::int16_t delta = Delta16(length, cur);
+    const std::int32_t delta = Sub32(length, cur);
     txtVlen.SetText(DecimalText(length));
     for (int i = 0; i < lstMarkers.ListCount(); ++i) {
         if (!lstMarkers.Selected(i)) continue;

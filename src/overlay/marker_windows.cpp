@@ -111,6 +111,9 @@ void MarkerWindows::ShowAllMarkers() {
 void MarkerWindows::ShowMarker(int row) {
     if (form_ == nullptr || !form_->Showing) return;
     MarkerStore& store = form_->store;
+    // Only listed markers get windows: a stop takes down rows 1 to
+    // MarkerCount, and lines of any other row would stay up for good.
+    if (row < 1 || row > store.MarkerCount) return;
     MarkerTable& m = store.Markers;
     const ScreenMetrics& screen = form_->screen;
 
@@ -143,8 +146,8 @@ void MarkerWindows::ShowMarker(int row) {
         SkipOnFailure([&] { m(row, PaintedEffective) = colour; });
     };
 
-    // A row outside the table reads as "no windows yet", as the failed
-    // test of the cell falls through into the creation road.
+    // A count beyond the table (an append that failed) reads as "no windows
+    // yet", as the failed test of the cell falls through into creation.
     WindowHandle existing = 0;
     SkipOnFailure([&] { existing = m(row, HwndH); });
 

@@ -7,44 +7,35 @@ namespace ostrivane::testing {
 namespace {
 
 using form::MenuItem;
-using Controls = std::initializer_list<const form::Control*>;
 using Calls = std::vector<std::string>;
 
 class MainFormStart : public MainFormTest {};
 
 // Each entry as "caption|shortcut", with "|off" when it starts disabled.
 TEST_F(MainFormStart, MenuBarInOrderWithShortcutsAndStartStates) {
-    std::vector<std::string> got;
+    std::string got;
     for (MenuItem* top : frm.MenuBar()) {
-        got.push_back("[" + top->Caption() + "]");
-        for (MenuItem* e : top->Items) got.push_back(e->Caption() + "|" + e->Shortcut() + (e->Enabled() ? "" : "|off"));
+        got += "\n[" + top->Caption() + "]";
+        for (MenuItem* e : top->Items) got += " " + e->Caption() + "|" + e->Shortcut() + (e->Enabled() ? "" : "|off");
     }
-    EXPECT_EQ(got, (std::vector<std::string>{
-                       "[&File]", "&Minimise to system tray|", "&Options|", "E&xit|",
-                       "[&Edit]", "&Add Marker|Ctrl+M", "&Del Markers|Ctrl+D|off", "D&up Markers|Ctrl+U|off", "-|",
-                       "&Save Group|Ctrl+G|off", "Save Group &As|Ctrl+A|off", "&Rename Group||off", "-|",
-                       "&Export Group||off", "&Import Group|", "-|", "&Clear Group Selection|Ctrl+E",
-                       "[&View]", "&Show                                                 Ctrl+`|",
-                       "&Flash Selected                                   Ctrl+1|", "Stay On &Top|",
-                       "[&Help]", "&Help|", "&Check for updates|", "&About|"}));
+    EXPECT_EQ(got, "\n[&File] &Minimise to system tray| &Options| E&xit|"
+                   "\n[&Edit] &Add Marker|Ctrl+M &Del Markers|Ctrl+D|off D&up Markers|Ctrl+U|off -| &Save Group|Ctrl+G|off"
+                   " Save Group &As|Ctrl+A|off &Rename Group||off -| &Export Group||off &Import Group| -|"
+                   " &Clear Group Selection|Ctrl+E"
+                   "\n[&View] &Show                                                 Ctrl+`|"
+                   " &Flash Selected                                   Ctrl+1| Stay On &Top|"
+                   "\n[&Help] &Help| &Check for updates| &About|");
     EXPECT_EQ(frm.MenuBar()[1]->Items[1], &frm.mnuDelMarker);
 }
 
+// Every control of the form that starts disabled: the rest can act at once.
 TEST_F(MainFormStart, ControlsEnabledOnlyWhereTheyCanAct) {
-    for (const form::Control* c : Controls{&frm.lstGroups, &frm.lstMarkers, &frm.txtHmax, &frm.txtVmax, &frm.cmdAddMarker,
-                                           &frm.cmdShow, &frm.chkFlashSelected, &frm.chkCopyCurrOnAdd,
-                                           &frm.chkAllowGrabMarkers})
-        EXPECT_TRUE(c->Enabled()) << c->Name();
-    for (const form::Control* c :
-         Controls{&frm.txtHpos, &frm.txtVpos, &frm.txtHlen, &frm.txtVlen, &frm.txtColour, &frm.txtThickness,
-                  &frm.txtOpacity, &frm.chkDotted, &frm.txtHlenGrpDef, &frm.txtVlenGrpDef, &frm.txtColourGrpDef,
-                  &frm.txtThicknessGrpDef, &frm.txtOpacityGrpDef, &frm.chkDottedGrpDef, &frm.txtGroupNotes,
-                  &frm.cmdDelMarker, &frm.cmdSaveGroup, &frm.cmdDelGroup, &frm.scrNudgeX, &frm.scrNudgeY,
-                  &frm.scrNudgeW, &frm.scrNudgeH})
-        EXPECT_FALSE(c->Enabled()) << c->Name();
-    EXPECT_EQ(frm.cmdAddMarker.Caption(), "Add &Marker");
-    EXPECT_EQ(frm.cmdShow.ToolTipText(), "Display the listed markers");
-    EXPECT_EQ(frm.txtThickness.ToolTipText(), "Thickness of marker (must be odd no)(blank to use group default)");
+    std::string off;
+    for (const auto& [name, c] : frm.Controls())
+        if (!c->Enabled() && !dynamic_cast<const MenuItem*>(c) && !dynamic_cast<const form::Timer*>(c)) off += name + " ";
+    EXPECT_EQ(off, "chkDotted chkDottedGrpDef cmdDelGroup cmdDelMarker cmdSaveGroup scrNudgeH scrNudgeW scrNudgeX "
+                   "scrNudgeY txtColour txtColourGrpDef txtGroupNotes txtHlen txtHlenGrpDef txtHpos txtOpacity "
+                   "txtOpacityGrpDef txtThickness txtThicknessGrpDef txtVlen txtVlenGrpDef txtVpos ");
 }
 
 // A group of markers loaded by hand: row 0 cleared, markers appended.
@@ -58,32 +49,25 @@ protected:
         overlay.calls.clear();
     }
     void Select(int index) { frm.lstMarkers.ClickItem(index); }
-    // The marker fields as shown, the dotted box's state last.
+    // The marker fields as shown, the dotted box and the colour box's back colour last.
     std::string Fields() const {
         std::string out;
         for (const form::TextBox* t : {&frm.txtHpos, &frm.txtVpos, &frm.txtHlen, &frm.txtVlen, &frm.txtColour,
                                        &frm.txtThickness, &frm.txtOpacity})
             out += t->Text() + ",";
-        return out + std::to_string(frm.chkDotted.Value());
-    }
-    // A table row, Hpos to Dotted.
-    std::string Row(int r) const {
-        std::string out;
-        for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted})
-            out += (out.empty() ? "" : ",") + std::to_string(frm.store.Markers(r, c));
-        return out;
+        return out + std::to_string(frm.chkDotted.Value()) + " " + std::to_string(frm.txtColour.BackColor());
     }
 };
 
 TEST_F(MainFormState, ClickOfAMarkerFillsItsFieldsAndBars) {
     frm.SetNudgeRanges();
     Select(0);
-    EXPECT_EQ(Fields(), "400,300,S,S,65280,3,60,0");
-    EXPECT_EQ(frm.txtColour.BackColor(), 65280);
+    EXPECT_EQ(Fields(), "400,300,S,S,65280,3,60,0 65280");
     EXPECT_TRUE(frm.txtHpos.Enabled() && frm.scrNudgeW.Enabled());
+    overlay.calls.clear();
     Select(1);  // blanks show as empty fields and a grey box
-    EXPECT_EQ(Fields(), "100,100,50,,,,,2");
-    EXPECT_EQ(frm.txtColour.BackColor(), form::kWhite);
+    EXPECT_EQ(Fields(), "100,100,50,,,,,2 16777215");
+    EXPECT_TRUE(overlay.calls.empty());  // the fields are cleared under Loading
     Select(2);
     EXPECT_EQ((std::vector<int>{frm.scrNudgeX.Value(), frm.scrNudgeY.Value(), frm.scrNudgeW.Value(), frm.scrNudgeH.Value()}),
               (std::vector<int>{10, 20, 30, 1080 - 40}));
@@ -95,69 +79,75 @@ TEST_F(MainFormState, ClickOfAMarkerFillsItsFieldsAndBars) {
     EXPECT_TRUE(frm.cmdDelMarker.Enabled() && frm.mnuDupMarker.Enabled() && frm.scrNudgeX.Enabled());
 }
 
-TEST_F(MainFormState, UpdateWritesChangedFieldsAndRaisesDirty) {
-    Select(0);
-    frm.UpdateMarkerTable();
-    EXPECT_FALSE(frm.Dirty);  // leaving a field unchanged changes nothing
-    frm.txtHlen.SetText("120");
-    frm.txtOpacity.SetText("");
-    frm.txtHpos.SetText("401.5");
-    frm.UpdateMarkerTable();
-    EXPECT_TRUE(frm.Dirty);
-    EXPECT_EQ(Row(1), "402,300,120,-2,65280,3,-1,0");  // the position ties to even
-
+// One field at a time, so that each comparison has a case; an unchanged field raises nothing.
+TEST_F(MainFormState, UpdateRaisesDirtyForEachFieldChangedAlone) {
+    struct Case { form::Control& field; const char* value; int row; int column; std::int32_t cell; };
+    const Case cases[] = {
+        {frm.txtHpos, "401.5", 1, Hpos, 402},  // ties to even
+        {frm.txtVpos, "300.5", 1, Vpos, 300},  // compared before rounding
+        {frm.txtHlen, "120", 1, Hlen, 120},               {frm.txtVlen, "", 1, Vlen, kBlank},
+        {frm.txtColour, "255", 1, Colour, 255},           {frm.txtThickness, "5", 1, Thickness, 5},
+        {frm.txtOpacity, "", 1, Opacity, kBlank},         {frm.chkDotted, "1", 1, Dotted, 1},
+        {frm.txtHlenGrpDef, "S", 0, Hlen, kWholeScreen},  {frm.txtVlenGrpDef, "40", 0, Vlen, 40},
+        {frm.txtColourGrpDef, "0", 0, Colour, 0},         {frm.txtThicknessGrpDef, "3", 0, Thickness, 3},
+        {frm.txtOpacityGrpDef, "50", 0, Opacity, 50},     {frm.chkDottedGrpDef, "0", 0, Dotted, 0}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.field.Name());
+        Select(0);
+        frm.Dirty = false;
+        frm.UpdateMarkerTable();
+        EXPECT_FALSE(frm.Dirty);
+        if (auto* box = dynamic_cast<form::CheckBox*>(&c.field)) box->SetValue(std::stoi(c.value));
+        else static_cast<form::TextBox&>(c.field).SetText(c.value);
+        frm.UpdateMarkerTable();
+        EXPECT_TRUE(frm.Dirty);
+        EXPECT_EQ(frm.store.Markers(c.row, c.column), c.cell);
+    }
+    frm.store.Markers(3, Dotted) = 2;  // grey from the file: the box shows it, and it goes back as blank
+    Select(2);
     frm.Dirty = false;
-    frm.txtHpos.SetText("");  // a blank position suspends the whole row
-    frm.txtHlen.SetText("77");
     frm.UpdateMarkerTable();
-    EXPECT_EQ(Row(1), "402,300,120,-2,65280,3,-1,0");
-    EXPECT_FALSE(frm.Dirty);
+    EXPECT_EQ(frm.store.Markers(3, Dotted), kBlank);
+    EXPECT_TRUE(frm.Dirty);
+}
+
+// A blank position suspends the marker row; group defaults stay in the fields
+// of a group without markers or of a form whose row 0 was never cleared.
+TEST_F(MainFormState, WhatDoesNotReachTheTable) {
+    Select(0);
+    frm.txtHpos.SetText("");
+    frm.txtHlen.SetText("77");
+    frm.store.Markers(0, Vlen) = 0;  // one length of 0 is no sign of an unready row
+    frm.UpdateMarkerTable();
+    EXPECT_EQ(frm.store.Markers(1, Hlen), kWholeScreen);
+    MainForm fresh(dialogs, overlay, desktop);
+    fresh.AppendMarker(1, 2, 3, 4, 5, 1, 100, 0);
+    MainForm empty(dialogs, overlay, desktop);
+    empty.ClearGroupDefaults();
+    for (MainForm* f : {&frm, &fresh, &empty}) {
+        f->txtHlenGrpDef.SetText("40");
+        f->UpdateMarkerTable();
+        EXPECT_EQ(f->store.Markers(0, Hlen) == 40, f == &frm);
+        EXPECT_EQ(f->Dirty, f == &frm);
+    }
     frm.txtHpos.SetText("1");
     frm.txtThickness.SetText("abc");  // pasted text that is no number
     EXPECT_EQ(ErrorOf([&] { frm.UpdateMarkerTable(); }), kTypeMismatch);
 }
 
-TEST_F(MainFormState, GroupDefaultsReachRowZeroOnlyWithMarkersAndAClearedRow) {
-    frm.txtHlenGrpDef.SetText("40");
-    frm.chkDottedGrpDef.SetValue(1);
-    frm.UpdateMarkerTable();
-    EXPECT_EQ(Row(0), "0,0,40,-1,-1,-1,-1,1");
-    EXPECT_TRUE(frm.Dirty);
-
-    MainForm fresh(dialogs, overlay, desktop);  // row 0 still all 0: the form is not ready
-    fresh.AppendMarker(1, 2, 3, 4, 5, 1, 100, 0);
-    MainForm empty(dialogs, overlay, desktop);  // no markers: typed defaults stay in the fields
-    empty.ClearGroupDefaults();
-    for (MainForm* f : {&fresh, &empty}) {
-        f->txtHlenGrpDef.SetText("40");
-        f->UpdateMarkerTable();
-        EXPECT_NE(f->store.Markers(0, Hlen), 40);
-        EXPECT_FALSE(f->Dirty);
-    }
-}
-
-TEST_F(MainFormState, StoredGreyDottedTurnsBlankAtTheNextUpdate) {
-    frm.AppendMarker(1, 1, 1, 1, 1, 1, 1, 2);
-    Select(3);
-    EXPECT_EQ(frm.chkDotted.Value(), 2);
-    frm.UpdateMarkerTable();
-    EXPECT_EQ(frm.store.Markers(4, Dotted), -1);
-    EXPECT_TRUE(frm.Dirty);
-}
-
+// 0 -> grey -> checked -> 0; each click clears the painted colour, so the windows are rebuilt.
 TEST_F(MainFormState, ThreeStateBoxesCycleThroughGreyAndForceARebuild) {
     Select(0);
     overlay.calls.clear();
-    frm.store.Markers(1, PaintedColour) = 65280;
-    std::vector<int> seen;
+    std::string seen;
     for (int press = 0; press < 3; ++press) {
+        frm.store.Markers(1, PaintedColour) = 7;
         frm.chkDotted.MouseDown.Raise();
-        seen.push_back(frm.chkDotted.Value());
+        seen += std::to_string(frm.chkDotted.Value()) + std::to_string(frm.store.Markers(1, Dotted)) +
+                std::to_string(frm.store.Markers(1, PaintedColour)) + " ";
     }
-    EXPECT_EQ(seen, (std::vector<int>{2, 1, 0}));
-    EXPECT_EQ(frm.store.Markers(1, PaintedColour) + frm.store.Markers(1, Dotted), 0);
+    EXPECT_EQ(seen, "2-10 110 000 ");
     EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowMarker 1", "ShowMarker 1"}));
-
     overlay.calls.clear();
     for (int r = 1; r <= 3; ++r) frm.store.Markers(r, PaintedColour) = 7;
     frm.chkDottedGrpDef.MouseDown.Raise();  // grey -> checked
@@ -166,35 +156,10 @@ TEST_F(MainFormState, ThreeStateBoxesCycleThroughGreyAndForceARebuild) {
     EXPECT_EQ(overlay.calls, (Calls{"ShowAllMarkers"}));
 }
 
-TEST_F(MainFormState, ClearingUnderLoadingDoesNotReachTheTable) {
-    Select(2);
-    overlay.calls.clear();
-    frm.ClearMarkerFields();
-    EXPECT_EQ(Fields(), ",,,,,,,2");
-    EXPECT_EQ(Row(3), "10,20,30,40,255,5,100,1");
-    EXPECT_TRUE(overlay.calls.empty());
-    EXPECT_FALSE(frm.Loading);
-}
-
-TEST_F(MainFormState, EnableGroupControlsNeedsASelectedGroupForDeleteAndRename) {
-    frm.EnableGroupControls(true);
-    EXPECT_TRUE(frm.cmdSaveGroup.Enabled() && frm.txtGroupNotes.Enabled());
-    EXPECT_FALSE(frm.cmdDelGroup.Enabled() || frm.mnuRenGroup.Enabled());
-    frm.lstGroups.AddItem("Bench");
-    frm.Loading = true;  // keep the click from loading anything
-    frm.lstGroups.SetListIndex(0);
-    frm.EnableGroupControls(true);
-    EXPECT_TRUE(frm.cmdDelGroup.Enabled() && frm.mnuRenGroup.Enabled());
-    frm.EnableGroupControls(false);
-    EXPECT_FALSE(frm.mnuExportGroup.Enabled() || frm.cmdDelGroup.Enabled());
-}
-
 TEST_F(MainFormState, PersistingCheckBoxesWriteAtOnce) {
     frm.chkCopyCurrOnAdd.SetValue(1);
-    frm.chkAllowGrabMarkers.SetValue(1);
-    frm.chkAllowGrabMarkers.SetValue(0);
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "CopyCurrOnAdd", "", frm.DataFile), "1");
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "AllowGrabMarkers", "", frm.DataFile), "0");
+    frm.chkAllowGrabMarkers.SetValue(2);
+    EXPECT_EQ(ReadDataFile(), "[Defaults]\r\nCopyCurrOnAdd=1\r\nAllowGrabMarkers=2\r\n");
 }
 
 }  // namespace

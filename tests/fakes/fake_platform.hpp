@@ -105,7 +105,12 @@ public:
         if (whileModal) whileModal(f);
         f.SetVisible(false);
     }
-    void DoEvents() override { calls.push_back("DoEvents"); }
+    // What other events run at a yield; none by default.
+    std::function<void()> duringDoEvents;
+    void DoEvents() override {
+        calls.push_back("DoEvents");
+        if (duringDoEvents) duringDoEvents();
+    }
     void EndProgram() override { calls.push_back("EndProgram"); }
     void Beep() override { calls.push_back("Beep"); }
     bool SetClipboardText(const std::string& text) override {

@@ -1,104 +1,137 @@
-// The line windows of the markers: the road ShowMarker takes, what it asks
-// of the platform on each, and the window classes behind the lines.
-#include <cctype>
+// The real marker windows on fake line windows under a main form on the fake
+// platform: the roads of ShowMarker, the classes, the show and stop switch.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
 #include <functional>
 #include <ostream>
+#include <string>
+#include <vector>
 
-#include "overlay/overlay_fixture.hpp"
+#include "editor/main_form.hpp"
+#include "fakes/fake_platform.hpp"
+#include "overlay/marker_windows.hpp"
+#include "support/run_time_error.hpp"
+#include "support/temp_dir.hpp"
 
-namespace ostrivane {
-
-static std::ostream& operator<<(std::ostream& os, const PixelRect& r) {
-    return os << '{' << r.left << ", " << r.top << ", " << r.width << ", " << r.height << '}';
-}
-
-namespace testing {
+namespace ostrivane::testing {
 namespace {
+
+using Lines = std::vector<std::string>;
+
+class OverlayTest : public ::testing::Test {
+protected:
+    OverlayTest() : windows(lines, desktop), frm(dialogs, windows, desktop) {
+        windows.Attach(frm);
+        frm.screen = {1920, 1080, 0, 0};
+        frm.DataFile = dir.file("ostrivane.ini");
+        // The yield stands among the paints, and other events may run there.
+        desktop.duringDoEvents = [this] {
+            lines.calls.push_back("DoEvents");
+            if (duringYield) duringYield();
+        };
+    }
+
+    // Row 0 with the group defaults {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
+    void SetGroupDefaults(const std::array<std::int32_t, 6>& v) {
+        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(0, kLook[i]) = v[i];
+    }
+    // A marker written straight into the table: {Hpos, Vpos, then as above}.
+    int PutMarker(const std::array<std::int32_t, 8>& v) {
+        const int r = ++frm.store.MarkerCount;
+        frm.store.Markers(r, Hpos) = v[0];
+        frm.store.Markers(r, Vpos) = v[1];
+        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(r, kLook[i]) = v[i + 2];
+        return r;
+    }
+    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
+    const fakes::FakeLineWindows::Window& WindowOf(int row, int column) const {
+        return lines.windows.at(Cell(row, column));
+    }
+    // A window as "left top width height alpha".
+    std::string Seen(int row, int column) const {
+        const auto& w = WindowOf(row, column);
+        return std::to_string(w.rect.left) + " " + std::to_string(w.rect.top) + " " + std::to_string(w.rect.width) +
+               " " + std::to_string(w.rect.height) + " " + std::to_string(w.alpha);
+    }
+
+    static constexpr int kLook[6] = {Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
+    std::function<void()> duringYield;
+    TempDir dir;
+    fakes::FakeDialogs dialogs;
+    fakes::FakeDesktop desktop;
+    fakes::FakeLineWindows lines;
+    MarkerWindows windows;
+    MainForm frm;
+};
 
 class MarkerWindowsTest : public OverlayTest {
 protected:
     MarkerWindowsTest() { frm.Showing = true; }
 };
 
-TEST_F(MarkerWindowsTest, WhileStoppedNothingReachesTheScreen) {
+// Foreground is no part of showing: it goes with the form's window state.
+TEST_F(MarkerWindowsTest, NothingReachesTheScreenWhileStoppedOrForARowOutsideTheList) {
     PutMarker({100, 200, 21, 21, 255, 40000, 200, 0});
     frm.Showing = false;
     windows.ShowMarker(1);
-    windows.ShowAllMarkers();
+    using form::WindowState;
+    for (const auto& [state, calls] : {std::pair{WindowState::Normal, Lines{"SetForegroundWindow frmMain"}},
+                                       {WindowState::Maximized, Lines{"SetForegroundWindow frmMain"}},
+                                       {WindowState::Minimized, Lines{}}}) {
+        frm.SetWindowState(state);
+        desktop.calls.clear();
+        windows.ShowAllMarkers();
+        EXPECT_EQ(desktop.calls, calls);
+    }
+    frm.Showing = true;
+    for (const int row : {0, 2, -1, 51}) windows.ShowMarker(row);  // a stop would never take these down
     EXPECT_TRUE(lines.calls.empty());
-    EXPECT_EQ(Cell(1, PaintedColour), 0);
-    EXPECT_EQ(desktop.calls, Lines{"SetForegroundWindow frmMain"});  // not tied to showing
 }
 
+// A failing step goes alone: what it was to give stays 0, an alpha never applied is -1.
 TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
-    struct Case {
-        const char* name;
-        ScreenMetrics screen;
-        std::array<std::int32_t, 6> group;
-        std::array<std::int32_t, 8> marker;
-        PixelRect horizontal, vertical;
-        int alpha;  // -1: never applied
-    };
-    const std::array<std::int32_t, 6> none = {-1, -1, -1, -1, -1, -1};
-    const Case cases[] = {
-        {"own", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 3, 70, 0}, {88, 199, 21, 3}, {99, 188, 3, 21}, 178},
-        {"global", {1920, 1080, 0, 0}, none, {100, 200, -1, -1, -1, -1, -1, -1}, {0, 200, 1920, 1},
-         {100, 0, 1, 1920}, 255},
-        {"group", {1920, 1080, 0, 0}, {20, 20, -1, 3, 30, -1}, {100, 200, -1, -1, -1, -1, -1, -1},
-         {89, 199, 20, 3}, {99, 189, 3, 20}, 76},
-        {"S left of and above 0", {3200, 1024, -1280, -300}, none, {-500, 100, -2, -2, 255, 1, 90, 0},
-         {-1280, 100, 3200, 1}, {-500, -300, 1, 3200}, 230},
-        {"clamped", {3200, 1024, -1280, -300}, none, {-1270, -290, 40, 30, 255, 1, 1, 0}, {-1280, -290, 40, 1},
-         {-1270, -300, 1, 30}, 3},
-        // A step that fails goes alone; what it was to give stays 0.
-        {"opacity 200", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 1, 200, 0}, {90, 200, 21, 1},
-         {100, 190, 1, 21}, -1},
-        {"thickness 40000", {1920, 1080, 0, 0}, none, {100, 200, 21, 21, 255, 40000, 100, 0}, {90, 200, 21, 0},
-         {100, 190, 0, 21}, 255},
-        {"hlen 40000", {1920, 1080, 0, 0}, none, {100, 200, 40000, 21, 255, 1, 100, 0}, {100, 200, 1, 1},
-         {100, 190, 1, 21}, 255},
-        {"start beyond 16 bits", {1920, 1080, 0, 0}, none, {2000000000, 200, 21, 21, 255, 1, 100, 0}, {}, {}, 255},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        frm.screen = c.screen;
-        SetGroupDefaults(c.group);
+    const struct { bool wide; std::array<std::int32_t, 8> marker; const char* horizontal; const char* vertical; } cases[] = {
+        {false, {100, 200, -1, -1, -1, -1, -1, -1}, "89 199 20 3 76", "99 189 3 20 76"},  // the group's
+        {true, {-500, 100, -2, -2, 255, 1, 90, 0}, "-1280 100 3200 1 230", "-500 -300 1 3200 230"},
+        {false, {100, 200, 21, 21, 255, 1, 200, 0}, "90 200 21 1 -1", "100 190 1 21 -1"},
+        {false, {100, 200, 21, 21, 255, 40000, 100, 0}, "90 200 21 0 255", "100 190 0 21 255"},
+        {false, {100, 200, 40000, 21, 255, 1, 100, 0}, "100 200 1 1 255", "100 190 1 21 255"},
+        {false, {2000000000, 200, 21, 21, 255, 1, 100, 0}, "0 0 0 0 255", "0 0 0 0 255"}};
+    SetGroupDefaults({20, 20, -1, 3, 30, -1});
+    for (const auto& c : cases) {
+        frm.screen = c.wide ? ScreenMetrics{3200, 1024, -1280, -300} : ScreenMetrics{1920, 1080, 0, 0};
         const int r = PutMarker(c.marker);
-
         EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(r); }), 0);
-
-        ASSERT_NE(Cell(r, HwndH), 0);
-        EXPECT_EQ(WindowOf(r, HwndH).rect, c.horizontal);
-        EXPECT_EQ(WindowOf(r, HwndV).rect, c.vertical);
-        EXPECT_EQ(WindowOf(r, HwndH).alpha, c.alpha);
-        EXPECT_EQ(WindowOf(r, HwndV).alpha, c.alpha);
+        EXPECT_EQ(Seen(r, HwndH), c.horizontal);
+        EXPECT_EQ(Seen(r, HwndV), c.vertical);
     }
 }
 
+// Same colour and dotted value share a class; the dotted value is kept as
+// given, so 2 is a class of its own beside 1.
 TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
     SetGroupDefaults({-1, -1, 65280, -1, -1, -1});
-    for (const std::int32_t dotted : {0, 0, 1, 2}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
+    for (const std::int32_t dotted : {0, 0, 2, 1}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
     PutMarker({50, 50, 5, 5, -1, 1, 100, -1});  // group colour, global dotted 0
     PutMarker({60, 60, 5, 5, 65280, 1, 100, 0});
-
     windows.ShowAllMarkers();
-
-    EXPECT_EQ(windows.ClassCount, 4);
-    const int expected[] = {1, 1, 2, 3, 4, 4};
-    for (int r = 1; r <= 6; ++r) EXPECT_EQ(WindowOf(r, HwndV).className, "Ostrvane" + std::to_string(expected[r - 1]));
-    const std::pair<std::int32_t, std::int32_t> pairs[] = {{255, 0}, {255, 1}, {255, 2}, {65280, 0}};
-    for (int n = 1; n <= 4; ++n) {
-        const auto& registered = lines.classes.at("Ostrvane" + std::to_string(n));
-        EXPECT_EQ(std::make_pair(registered.colour, registered.dotted), pairs[n - 1]);
-        EXPECT_EQ(std::make_pair(windows.MarkerClasses(n, 1), windows.MarkerClasses(n, 2)), pairs[n - 1]);
+    std::string got;
+    for (int r = 1; r <= 6; ++r) {
+        const auto& c = lines.classes.at(WindowOf(r, HwndV).className);
+        got += WindowOf(r, HwndV).className + "=" + std::to_string(c.colour) + "/" + std::to_string(c.dotted) + " ";
     }
+    EXPECT_EQ(got, "Ostrvane1=255/0 Ostrvane1=255/0 Ostrvane2=255/2 Ostrvane3=255/1 Ostrvane4=65280/0 Ostrvane4=65280/0 ");
+    EXPECT_EQ(windows.ClassCount, 4);
 }
 
-// Each road from a marker shown once: windows 100 and 101 of class
-// Ostrvane1, blank colour under a red group default.
+// Each road from a marker shown once: windows 100 and 101 of class Ostrvane1,
+// blank colour under a red group default. A road writes cells {row, column,
+// value}; column 0 destroys the windows, -1 has a stop run during the yield.
 struct Road {
     const char* name;
-    std::function<void(MarkerStore&, MarkerWindows&)> change;
+    std::vector<std::array<int, 3>> cells;
     Lines calls;
 };
 
@@ -110,13 +143,19 @@ TEST_P(ShowMarkerRoads, CallsInOrder) {
     SetGroupDefaults({-1, -1, 255, -1, -1, -1});
     PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
     windows.ShowMarker(1);
-    ASSERT_EQ(Cell(1, HwndH), 100);
+    ASSERT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
+                                  "SetAlpha 100 255", "SetAlpha 101 255"}));
     lines.calls.clear();
-
-    GetParam().change(frm.store, windows);
+    for (const auto& [row, column, value] : GetParam().cells) {
+        if (column == 0) windows.DestroyMarkerWindows(row);
+        else if (column < 0) duringYield = [&] { windows.DestroyAllMarkerWindows(); };
+        else frm.store.Markers(row, column) = value;
+    }
     windows.ShowMarker(1);
-
     EXPECT_EQ(lines.calls, GetParam().calls);
+    // The painted cells follow the raw and the effective colour.
+    EXPECT_EQ(Cell(1, PaintedColour), Cell(1, Colour));
+    EXPECT_EQ(Cell(1, PaintedEffective), EffectiveValue(frm.store, 1, Colour));
 }
 
 const Lines kQuiet = {"Move 100", "Move 101", "SetAlpha 100 255", "SetAlpha 101 255"};
@@ -126,73 +165,26 @@ const Lines kRebuilt = {"RegisterClass Ostrvane2", "Destroy 100", "Destroy 101",
 INSTANTIATE_TEST_SUITE_P(
     MarkerWindows, ShowMarkerRoads,
     ::testing::Values(
-        Road{"nothing", [](MarkerStore&, MarkerWindows&) {}, kQuiet},
-        Road{"place and opacity",
-             [](MarkerStore& s, MarkerWindows&) {
-                 s.Markers(1, Hpos) = 300;
-                 s.Markers(1, Opacity) = 50;
-             },
+        Road{"Nothing", {}, kQuiet},
+        Road{"PlaceAndOpacity", {{1, Hpos, 300}, {1, Opacity, 50}},
              {"Move 100", "Move 101", "SetAlpha 100 128", "SetAlpha 101 128"}},
-        // Painted over in place, with one yield before each paint.
-        Road{"group colour", [](MarkerStore& s, MarkerWindows&) { s.Markers(0, Colour) = 65280; },
+        // Painted in place, a yield before each paint; the class stays (a repaint shows red).
+        Road{"GroupColour", {{0, Colour, 65280}},
              {"RegisterClass Ostrvane2", "DoEvents", "Paint 100 Ostrvane2", "DoEvents", "Paint 101 Ostrvane2",
               "Move 100", "Move 101", "SetAlpha 100 255", "SetAlpha 101 255"}},
-        Road{"own colour", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Colour) = 65280; }, kRebuilt},
-        Road{"dotted alone", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Dotted) = 1; }, kQuiet},
+        Road{"OwnColour", {{1, Colour, 65280}}, kRebuilt},
+        Road{"DottedAlone", {{1, Dotted, 1}}, kQuiet},
         // What the click of the dotted box does to force the rebuild.
-        Road{"dotted, painted colour cleared",
-             [](MarkerStore& s, MarkerWindows&) {
-                 s.Markers(1, Dotted) = 1;
-                 s.Markers(1, PaintedColour) = 0;
-             },
-             kRebuilt},
+        Road{"DottedWithPaintedColourCleared", {{1, Dotted, 1}, {1, PaintedColour, 0}}, kRebuilt},
         // The painted cells still match; creation all the same.
-        Road{"destroyed", [](MarkerStore&, MarkerWindows& w) { w.DestroyMarkerWindows(1); },
+        Road{"Destroyed", {{1, 0, 0}},
              {"Destroy 100", "Destroy 101", "Create Ostrvane1", "Create Ostrvane1", "SetAlpha 102 255",
               "SetAlpha 103 255"}},
-        Road{"opacity 200", [](MarkerStore& s, MarkerWindows&) { s.Markers(1, Opacity) = 200; },
-             {"Move 100", "Move 101"}}),
-    [](const ::testing::TestParamInfo<Road>& info) {
-        std::string name = info.param.name;
-        for (char& ch : name)
-            if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
-        return name;
-    });
-
-TEST_F(MarkerWindowsTest, FirstShowAndPaintKeepTheirCells) {
-    SetGroupDefaults({-1, -1, 255, -1, -1, -1});
-    PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
-    windows.ShowMarker(1);
-    EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
-                                  "SetAlpha 100 255", "SetAlpha 101 255"}));
-    EXPECT_EQ(std::make_pair(Cell(1, PaintedColour), Cell(1, PaintedEffective)), std::make_pair(-1, 255));
-
-    frm.store.Markers(0, Colour) = 65280;
-    windows.ShowMarker(1);
-    EXPECT_EQ(WindowOf(1, HwndH).className, "Ostrvane1");  // a system repaint shows red again
-    EXPECT_EQ(WindowOf(1, HwndH).paintedWith, "Ostrvane2");
-    EXPECT_EQ(std::make_pair(Cell(1, PaintedColour), Cell(1, PaintedEffective)), std::make_pair(-1, 65280));
-    frm.store.Markers(1, Hpos) = 300;
-    windows.ShowMarker(1);
-    EXPECT_EQ(WindowOf(1, HwndV).rect, (PixelRect{300, 190, 1, 21}));
-
-    windows.DestroyMarkerWindows(1);
-    EXPECT_EQ(std::make_pair(Cell(1, HwndH), Cell(1, HwndV)), std::make_pair(0, 101));  // HwndV stale
-}
-
-TEST_F(MarkerWindowsTest, AWindowTakenAwayDuringTheYieldIsLeftAlone) {
-    SetGroupDefaults({-1, -1, 255, -1, -1, -1});
-    PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
-    windows.ShowMarker(1);
-    frm.store.Markers(0, Colour) = 65280;
-    yielding.duringYield = [&] { windows.DestroyAllMarkerWindows(); };  // a stop from the hot key
-    lines.calls.clear();
-
-    EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
-
-    EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane2", "DoEvents", "Destroy 100", "Destroy 101", "DoEvents"}));
-    EXPECT_EQ(Cell(1, PaintedEffective), 65280);
-}
+        Road{"Opacity200", {{1, Opacity, 200}}, {"Move 100", "Move 101"}},
+        // A window taken away while other events run is left alone.
+        Road{"StopDuringTheYield", {{0, Colour, 65280}, {1, -1, 0}},
+             {"RegisterClass Ostrvane2", "DoEvents", "Destroy 100", "Destroy 101", "DoEvents"}}),
+    [](const ::testing::TestParamInfo<Road>& info) { return std::string(info.param.name); });
 
 TEST_F(MarkerWindowsTest, BlackKeepsItsClassWhenTheDottedBoxForcesARebuild) {
     PutMarker({100, 200, 21, 21, 0, 1, 100, 0});
@@ -208,12 +200,10 @@ TEST_F(MarkerWindowsTest, The101stClassLeavesTheMarkerWithoutWindows) {
     for (std::int32_t colour = 0; colour < 100; ++colour) windows.GetMarkerClass(colour, 0);
     PutMarker({100, 200, 21, 21, 5000, 1, 100, 0});
     lines.calls.clear();
-
     EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
     EXPECT_EQ(windows.ClassCount, 101);
     EXPECT_EQ(Cell(1, HwndH), 0);
     EXPECT_EQ(lines.calls, (Lines{"Create Ostrvane0", "Create Ostrvane0"}));
-
     // No row is reused: new pairs keep failing, old ones still serve.
     EXPECT_EQ(ErrorOf([&] { windows.GetMarkerClass(6000, 0); }), kSubscriptOutOfRange);
     EXPECT_EQ(windows.ClassCount, 101);
@@ -228,30 +218,108 @@ TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     windows.ShowAllMarkers();  // windows 100 to 103
     for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
     lines.calls.clear();
-
     windows.DestroyAllMarkerWindows();
     windows.UnregisterMarkerClasses();
-
     EXPECT_EQ(lines.calls, (Lines{"Destroy 104", "Destroy 105", "Destroy 106", "Destroy 107", "Destroy 100",
                                   "Destroy 101", "Destroy 102", "Destroy 103", "UnregisterClass Ostrvane1",
                                   "UnregisterClass Ostrvane2"}));
     EXPECT_EQ(windows.AddLines, (std::array<WindowHandle, 5>{}));
-    EXPECT_TRUE(lines.windows.empty());
-    EXPECT_TRUE(lines.classes.empty());
+    EXPECT_TRUE(lines.windows.empty() && lines.classes.empty());
 }
 
-TEST_F(MarkerWindowsTest, ShowAllTakesTheForegroundUnlessMinimised) {
-    using form::WindowState;
-    for (const auto& [state, foreground] : {std::pair{WindowState::Normal, true}, {WindowState::Maximized, true},
-                                            {WindowState::Minimized, false}}) {
-        SCOPED_TRACE(static_cast<int>(state));
-        frm.SetWindowState(state);
-        desktop.calls.clear();
-        windows.ShowAllMarkers();
-        EXPECT_EQ(desktop.calls, foreground ? Lines{"SetForegroundWindow frmMain"} : Lines{});
+class ShowStopTest : public OverlayTest {
+protected:
+    ShowStopTest() { frm.SetVisible(true); }
+    void Append(std::int32_t hpos) { frm.AppendMarker(hpos, 200, 21, 21, 255, 1, 100, 0); }
+    void Press() { frm.cmdShow.PerformClick(); }
+    void WriteDefaults(const std::string& section) {
+        std::ofstream(frm.DataFile, std::ios::binary) << "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" << section;
+    }
+    // Showing, captions of button and popup entry, message; flash phase, hook, mouse
+    // mode; timers flash, add, add complete, move; windows up; the form.
+    std::string State() const {
+        std::string timers;
+        for (const form::Timer* t :
+             {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
+            timers += t->TimerEnabled() ? '1' : '0';
+        return std::to_string(frm.Showing) + " " + frm.cmdShow.Caption() + " " + frm.mnuPopupShow.Caption() + " [" +
+               frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string(frm.MouseHooked) +
+               std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lines.windows.size()) +
+               (frm.Visible() ? " up" : " hidden") +
+               (frm.GetWindowState() == form::WindowState::Minimized ? " minimised" : "");
+    }
+};
+
+TEST_F(ShowStopTest, ShowWithNoMarkersSaysSoAndBringsTheFormBack) {
+    WriteDefaults("HideOnGo=1\r\n");
+    frm.mnuFileMinToTray.PerformClick();
+    frm.mnuShow.PerformClick();  // the menus press the button
+    EXPECT_EQ(State(), "1 &Stop &Stop [Select a group or add a marker] 010 0000 0 up");
+    frm.AddMarker(500, 600, 21, 21, 255, 1, 100, 0);
+    EXPECT_EQ(lines.windows.size(), 2u) << "still showing: a new marker goes straight up";
+}
+
+TEST_F(ShowStopTest, ShowThenStop) {
+    Append(100);
+    Append(300);
+    frm.lstMarkers.SetListIndex(0);
+    frm.txtHpos.SetText("700");  // an edit not yet in the table
+    frm.FlashPhase = true;
+    Press();
+    EXPECT_EQ(State(), "1 &Stop &Stop [] 010 0000 4 up");
+    EXPECT_EQ(WindowOf(1, HwndV).rect.left, 700);
+
+    // A placement and a drag under way when the stop comes.
+    for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
+    frm.MouseMode = 2;
+    frm.FlashPhase = true;
+    frm.lblMsg.SetCaption("Left click to place marker");
+    for (form::Timer* t : {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
+        t->SetTimerEnabled(true);
+    frm.mnuPopupShow.PerformClick();
+    EXPECT_EQ(State(), "0 &Show &Show [] 000 0001 0 up");  // the drag's timer is not the stop's business
+    EXPECT_EQ(windows.AddLines[1], 0);
+}
+
+// Deleting the focused marker or clearing the group moves the focus out of a marker
+// field with no marker focused: its Validate must not put up lines no stop takes down.
+TEST_F(ShowStopTest, NoLinesOutliveTheStopAfterTheFocusedMarkerWentAway) {
+    const std::pair<form::MenuItem*, form::TextBox*> roads[] = {{&frm.mnuDelMarker, &frm.txtHpos},
+                                                                {&frm.mnuClearGroupSelection, &frm.txtThickness}};
+    for (const auto& [menu, field] : roads) {
+        SCOPED_TRACE(menu->Name());
+        Append(100);
+        Append(300);
+        frm.lstMarkers.ClickItem(0);
+        frm.Dirty = false;
+        Press();
+        field->SetFocus();
+        menu->PerformClick();
+        Press();
+        EXPECT_TRUE(lines.windows.empty());
+    }
+}
+
+// Both settings are read at the moment they are needed; the lines stay up
+// whatever the form does. The flash timer follows its check box.
+TEST_F(ShowStopTest, HideOnGoRestoreOnStopAndFlash) {
+    Append(100);
+    const struct { const char* settings; int flash; const char* shown; const char* stopped; } cases[] = {
+        {"HideOnGo=1\r\n", 1, "1000 2 hidden minimised", "0000 0 hidden minimised"},
+        {"HideOnGo=2\r\nRestoreOnStop=0\r\n", 2, "0000 2 up", "0000 0 up"},
+        {"HideOnGo=1\r\nRestoreOnStop=1\r\n", 0, "0000 2 hidden minimised", "0000 0 up"},
+        {"", 1, "1000 2 up", "0000 0 up"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.settings);
+        WriteDefaults(c.settings);
+        frm.mnuPopupRestore.PerformClick();
+        frm.chkFlashSelected.SetValue(c.flash);
+        Press();
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.shown);
+        Press();
+        EXPECT_EQ(State().substr(State().find("] ") + 6), c.stopped);
     }
 }
 
 }  // namespace
-}  // namespace testing
-}  // namespace ostrivane
+}  // namespace ostrivane::testing
