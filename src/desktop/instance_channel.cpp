@@ -43,7 +43,7 @@ namespace {
 constexpr char kHandled = 'A';
 constexpr int kSweepMs = 250;
 
-void Say(const std::string& line) { std::fprintf(stderr, "%s: %s\n", kExecutableBaseName, line.c_str()); }
+void Say(const std::string& line) { std::fprintf(stderr, "%s: %s\n", ExecutableBaseName().c_str(), line.c_str()); }
 
 // Why dir cannot hold the guard; empty when it is a directory of this user closed to everyone else.
 std::string DirectoryFault(const std::string& dir) {

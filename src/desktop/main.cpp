@@ -35,7 +35,7 @@ bool Refused(const std::string& commandLine) {
     const std::string text = LCase(Trim(commandLine));
     if (desktop::FitsFrame(text)) return false;
     std::fprintf(stderr, "%s: a command line of %zu characters was refused: at most %zu are taken\n",
-                 kExecutableBaseName, text.size(), desktop::kMaxCommandBytes);
+                 ExecutableBaseName().c_str(), text.size(), desktop::kMaxCommandBytes);
     return true;
 }
 
