@@ -5,7 +5,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QFile>
 #include <QLockFile>
 #include <QMetaObject>
@@ -24,6 +23,7 @@
 
 #include "desktop/command_frame.hpp"
 #include "desktop/entry_point.hpp"
+#include "desktop/instance_socket.hpp"
 #include "store/data_file.hpp"
 
 namespace ostrivane::desktop {
@@ -43,55 +43,11 @@ namespace {
 constexpr char kHandled = 'A';
 constexpr int kSweepMs = 250;
 
-void Say(const std::string& line) { std::fprintf(stderr, "%s: %s\n", ExecutableBaseName().c_str(), line.c_str()); }
 
-// Why dir cannot hold the guard; empty when it is a directory of this user closed to everyone else.
-std::string DirectoryFault(const std::string& dir) {
-    struct stat info {};
-    if (::lstat(dir.c_str(), &info) != 0) return std::strerror(errno);
-    if (!S_ISDIR(info.st_mode)) return "it is no directory";
-    if (info.st_uid != ::getuid())
-        return "it belongs to user " + std::to_string(info.st_uid) + ", not to user " + std::to_string(::getuid());
-    if ((info.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
-        char mode[8];
-        std::snprintf(mode, sizeof mode, "%04o", static_cast<unsigned>(info.st_mode & 07777));
-        return std::string("it is open to others (mode ") + mode + ")";
-    }
-    return {};
-}
 
-bool PrivateDirectory(const std::string& dir) { return !dir.empty() && DirectoryFault(dir).empty(); }
 
-// Names become file names: anything but letters, digits, '.', '-' and '_' is '_'.
-std::string FileNameOf(const std::string& name) {
-    std::string out = name.empty() ? std::string("instance") : name;
-    for (char& c : out) {
-        const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
-                           c == '-' || c == '_';
-        if (!plain) c = '_';
-    }
-    if (out[0] == '.') out[0] = '_';
-    return out;
-}
 
-bool SocketAddress(const std::string& path, sockaddr_un& address) {
-    address = {};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) return false;
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
-    return true;
-}
 
-bool SendAll(int fd, const std::string& data) {
-    std::size_t sent = 0;
-    while (sent < data.size()) {
-        const ssize_t n = ::send(fd, data.data() + sent, data.size() - sent, MSG_NOSIGNAL);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        sent += static_cast<std::size_t>(n);
-    }
-    return true;
-}
 
 bool SameUser(int fd) {
     ucred peer{};
@@ -134,19 +90,6 @@ InstanceChannel::~InstanceChannel() {
     while (!connections_.empty()) Close(connections_.begin()->first);
 }
 
-std::string InstanceChannel::RuntimeDirectory() {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime != nullptr && PrivateDirectory(runtime)) return runtime;
-    const std::string dir = QDir::tempPath().toStdString() + "/ostrivane-" + std::to_string(::getuid());
-    // A directory of that name that someone else made, or opened up, is not used.
-    std::string fault = ::mkdir(dir.c_str(), S_IRWXU) != 0 && errno != EEXIST ? std::strerror(errno)
-                                                                               : DirectoryFault(dir);
-    if (fault.empty()) return dir;
-    // The copy then takes itself for a second one; the box cannot say why.
-    static bool said = false;
-    if (!std::exchange(said, true)) Say(dir + " cannot hold the single-instance guard: " + fault);
-    return {};
-}
 
 bool InstanceChannel::Acquire(const std::string& name) {
     if (lock_) return name == name_;
@@ -290,28 +233,5 @@ void InstanceChannel::Close(std::uint64_t id, bool fromItsSignal) {
     ::close(c->fd);
 }
 
-bool InstanceChannel::Forward(const std::string& name, const std::string& text) {
-    const std::optional<std::string> frame = EncodeFrame(text);
-    const std::string dir = RuntimeDirectory();
-    sockaddr_un address{};
-    if (!frame || dir.empty() || !SocketAddress(dir + "/" + FileNameOf(name) + ".socket", address)) return false;
-    const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (fd < 0) return false;
-    int rc = 0;
-    do {
-        rc = ::connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    } while (rc != 0 && errno == EINTR);
-    if (rc == 0 && SendAll(fd, *frame)) {
-        // No time limit: the handler there may hold a box open for as long as
-        // the user likes. A copy that dies closes the socket, which ends the wait.
-        char answer = 0;
-        ssize_t n = 0;
-        do {
-            n = ::recv(fd, &answer, 1, 0);
-        } while (n < 0 && errno == EINTR);
-    }
-    ::close(fd);
-    return rc == 0;
-}
 
 }  // namespace ostrivane::desktop

@@ -39,15 +39,6 @@ public:
     // on standard error.
     // Needs the name to be owned; a second call replaces the handler.
     void Listen(std::function<void(const std::string&)> onCommand);
-    // Sends text to the copy that owns name and returns once that copy has
-    // handled it, or has gone away; false when no copy listens or the text
-    // is too long to send. Needs no application object.
-    static bool Forward(const std::string& name, const std::string& text);
-
-    // $XDG_RUNTIME_DIR, or <temp>/ostrivane-<uid> made private; empty when
-    // neither is a directory of this user closed to everyone else (and then
-    // a line on standard error says what is wrong with the second).
-    static std::string RuntimeDirectory();
 
 private:
     struct Connection;

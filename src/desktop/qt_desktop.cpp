@@ -18,6 +18,7 @@
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_control.hpp"
 #include "desktop/instance_channel.hpp"
+#include "desktop/instance_socket.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/tray_icon.hpp"
 #include "dialogs/msgbox_form.hpp"
@@ -174,7 +175,7 @@ bool QtDesktop::AcquireInstance(const std::string& name) {
 void QtDesktop::ReleaseInstance() { channel_->Release(); }
 
 void QtDesktop::ForwardCommand(const std::string& name, const std::string& commandText) {
-    channel_->Forward(name, commandText);
+    ForwardToRunningCopy(name, commandText);
 }
 
 }  // namespace ostrivane::desktop

@@ -32,6 +32,9 @@ class SettingStore;
 
 inline constexpr char kMainFormCaption[] = "Ostrivane";
 
+// The name the single-instance guard holds: "i", the title, "i".
+std::string InstanceName();
+
 class MainForm : public form::Form {
 public:
     MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop);

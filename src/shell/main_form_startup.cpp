@@ -27,8 +27,6 @@ constexpr int kUnloadFromCode = 1;
 void HookKeyboard(MainForm&) {}
 void UnhookKeyboard(MainForm&) {}
 
-std::string InstanceName() { return std::string("i") + kAppTitle + "i"; }
-
 std::string DefaultsKey(const MainForm& frm, const char* key, const char* defaultValue) {
     return lib_ProfileGetString(kDefaultsSection, key, defaultValue, frm.DataFile);
 }
@@ -41,6 +39,8 @@ void UnloadForm(MainForm& frm) {
 }
 
 }  // namespace
+
+std::string InstanceName() { return std::string("i") + kAppTitle + "i"; }
 
 void MainForm::WireStartupEvents() {
     cmdExit.Click.Connect([this] { cmdExit_Click(); });

@@ -1,23 +1,22 @@
 // The desktop program: the core's main form on Qt, its lines as X windows.
+// A module that the launcher loads, so that a start which only forwards
+// its command line never loads the toolkit.
 #include <QApplication>
 #include <QFont>
 #include <QString>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
-#include "desktop/command_frame.hpp"
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
-#include "desktop/instance_channel.hpp"
+#include "desktop/instance_socket.hpp"
 #include "desktop/qt_desktop.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/x11_window_system.hpp"
 #include "desktop/xcb_line_windows.hpp"
 #include "editor/main_form.hpp"
-#include "lib/text.hpp"
 #include "lib/window_helpers.hpp"
 #include "overlay/marker_windows.hpp"
 #include "store/data_file.hpp"
@@ -25,40 +24,8 @@
 
 using namespace ostrivane;
 
-namespace {
-
-// The name under which the main form's guard holds the channel.
-std::string InstanceName() { return std::string("i") + kAppTitle + "i"; }
-
-// A command line beyond the channel's limit is refused by this start itself.
-bool Refused(const std::string& commandLine) {
-    const std::string text = LCase(Trim(commandLine));
-    if (desktop::FitsFrame(text)) return false;
-    std::fprintf(stderr, "%s: a command line of %zu characters was refused: at most %zu are taken\n",
-                 ExecutableBaseName().c_str(), text.size(), desktop::kMaxCommandBytes);
-    return true;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-    // A second start that only carries its command line builds no toolkit
-    // object: it reaches the running copy at once, from here. Arguments that
-    // may be the toolkit's own options take the toolkit's road.
-    bool toolkitOptions = false;
-    std::vector<std::string> direct;
-    for (int i = 1; i < argc; ++i) {
-        toolkitOptions = toolkitOptions || argv[i][0] == '-';
-        direct.push_back(desktop::Latin1FromUtf8(argv[i]));
-    }
-    if (!toolkitOptions) {
-        const std::string commandLine = desktop::JoinArguments(direct);
-        if (Refused(commandLine)) return 1;
-        // Form_Load trims and lowers it the same way, should no copy answer.
-        const std::string text = LCase(Trim(commandLine));
-        if (!text.empty() && desktop::InstanceChannel::Forward(InstanceName(), text)) return 0;
-    }
-
+// Called by the launcher once no running copy took the command line.
+extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(kAppTitle));
     QApplication::setQuitOnLastWindowClosed(false);  // the program lives on in the tray
@@ -100,7 +67,7 @@ int main(int argc, char** argv) {
     const QStringList all = QCoreApplication::arguments();
     for (qsizetype i = 1; i < all.size(); ++i) arguments.push_back(all[i].toLatin1().toStdString());
     const std::string commandLine = desktop::JoinArguments(arguments);
-    if (Refused(commandLine)) return 1;
+    if (desktop::RefuseOverlongCommandLine(commandLine)) return 1;
 
     bool goOn = false;
     desktop::RunEntryPoint([&] { goOn = frm.Form_Load(commandLine); });
