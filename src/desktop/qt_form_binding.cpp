@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QStringList>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
@@ -23,6 +24,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <chrono>
 
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
@@ -314,7 +316,29 @@ void QtFormBinding::Apply(Control& c, Property p) {
             ApplyAll(c);
         return;
     }
+    if (auto* list = dynamic_cast<form::ListBox*>(&c)) {
+        // A start adds thousands of groups one by one: the widget follows
+        // once, when the event is over.
+        listsPending_.insert(list);
+        ScheduleListFlush();
+        return;
+    }
     ApplyAll(c);
+}
+
+void QtFormBinding::ScheduleListFlush() {
+    if (listFlushPending_) return;
+    listFlushPending_ = true;
+    // Also for changes made where no entry point ends (a form loaded
+    // before its modal loop).
+    QTimer::singleShot(0, this, [this] { FlushLists(); });
+}
+
+void QtFormBinding::FlushLists() {
+    listFlushPending_ = false;
+    const std::set<form::ListBox*> lists = std::move(listsPending_);
+    listsPending_.clear();
+    for (form::ListBox* list : lists) ApplyAll(*list);
 }
 
 void QtFormBinding::ApplyGeometry(const Bound& b) {
@@ -461,11 +485,24 @@ void QtFormBinding::ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plai
 
 void QtFormBinding::SyncList(form::ListBox& list, QListWidget* w) {
     const int count = list.ListCount();
-    bool same = w->count() == count;
-    for (int i = 0; same && i < count; ++i) same = w->item(i)->text() == Latin1(list.List(i));
-    if (!same) {
+    // Only the rows between the common head and the common tail change.
+    const int shown = w->count();
+    int head = 0;
+    while (head < count && head < shown && w->item(head)->text() == Latin1(list.List(head))) ++head;
+    int tail = 0;
+    while (tail < count - head && tail < shown - head &&
+           w->item(shown - 1 - tail)->text() == Latin1(list.List(count - 1 - tail)))
+        ++tail;
+    if (head == 0 && tail == 0 && shown > 0) {
         w->clear();
-        for (int i = 0; i < count; ++i) w->addItem(Latin1(list.List(i)));
+    } else {
+        for (int row = shown - tail - 1; row >= head; --row) delete w->takeItem(row);
+    }
+    if (head + tail < count) {
+        QStringList added;
+        added.reserve(count - head - tail);
+        for (int i = head; i < count - tail; ++i) added.append(Latin1(list.List(i)));
+        w->insertItems(head, added);
     }
     for (int i = 0; i < count; ++i) {
         QListWidgetItem* item = w->item(i);
@@ -499,8 +536,12 @@ void QtFormBinding::ApplyFormState() {
     if (form_.Visible() || (state == form::WindowState::Minimized && !QSystemTrayIcon::isSystemTrayAvailable())) {
         // With no tray to come back from, a form sent away stays on the task bar.
         if (state == form::WindowState::Minimized || !form_.Visible()) {
-            if (!w->isVisible() || !w->isMinimized()) w->showMinimized();
+            if (!w->isVisible() || !w->isMinimized()) {
+                Requested(form::WindowState::Minimized);
+                w->showMinimized();
+            }
         } else if (!w->isVisible() || w->isMinimized()) {
+            Requested(form::WindowState::Normal);
             w->showNormal();
         }
     } else if (w->isVisible()) {
@@ -509,6 +550,7 @@ void QtFormBinding::ApplyFormState() {
 }
 
 void QtFormBinding::Sync() {
+    FlushLists();
     {
         Syncing s(syncing_);
         const Placed now{form_.Left, form_.Top, form_.Width, form_.Height};
@@ -775,9 +817,38 @@ void QtFormBinding::OnCloseBox() {
     });
 }
 
+namespace {
+
+// How long the window system may take to report a state the binding asked for.
+constexpr std::int64_t kStateReportMs = 2000;
+
+std::int64_t NowMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+}  // namespace
+
+void QtFormBinding::Requested(form::WindowState state) { requests_.push_back({state, NowMs()}); }
+
 void QtFormBinding::OnUserWindowState() {
     if (syncing_) return;
     const bool minimized = window_->isMinimized();
+    // The window manager reports the binding's own requests, often late
+    // (a minimise asked for just before a hide comes after the form was
+    // restored): such a report is no user's, and the window goes back to
+    // the model's state.
+    const form::WindowState now = minimized ? form::WindowState::Minimized : form::WindowState::Normal;
+    const std::int64_t oldest = NowMs() - kStateReportMs;
+    std::erase_if(requests_, [oldest](const Request& r) { return r.at < oldest; });
+    const auto echo = std::find_if(requests_.begin(), requests_.end(), [now](const Request& r) { return r.state == now; });
+    if (echo != requests_.end()) {
+        requests_.erase(requests_.begin(), echo + 1);
+        QTimer::singleShot(0, this, [this] { ApplyFormState(); });
+        return;
+    }
+    requests_.clear();  // what the user did replaces what was asked before
     const form::WindowState state = form_.GetWindowState();
     if (minimized && state != form::WindowState::Minimized) {
         Enter([this] { form_.SetWindowState(form::WindowState::Minimized); });

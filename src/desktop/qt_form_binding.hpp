@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QObject>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -84,6 +85,8 @@ private:
     void ApplyTextBox(form::TextBox& box, bool withSelection);
     void ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plain);
     void SyncList(form::ListBox& list, QListWidget* widget);
+    void ScheduleListFlush();
+    void FlushLists();
     void SchedulePush(form::ListBox& list, QListWidget* widget);
     void PushList(form::ListBox& list, QListWidget* widget);
     void PushSelection(form::TextBox& box, QLineEdit* edit);
@@ -100,6 +103,8 @@ private:
     // Called by the window and the widget filter.
     void OnCloseBox();
     void OnUserWindowState();
+    // The window-state requests of the binding whose report may still come.
+    void Requested(form::WindowState state);
     void OnUserMove();
     void OnFocusIn(form::Control& control);
     bool OnKeyPress(form::Control* control, QWidget* widget, QKeyEvent* event);
@@ -116,6 +121,13 @@ private:
     form::Control* refused_ = nullptr;  // the control whose focus a Validate refused last
     const form::Control* quietSelection_ = nullptr;  // its selection comes from the widget
     std::set<const form::ListBox*> pushPending_;
+    std::set<form::ListBox*> listsPending_;  // changed in the model, shown once the event is over
+    bool listFlushPending_ = false;
+    struct Request {
+        form::WindowState state;
+        std::int64_t at;  // ms of a monotonic clock
+    };
+    std::vector<Request> requests_;
     bool focusSyncPending_ = false;
     std::map<const form::TextBox*, std::optional<std::vector<std::int32_t>>> tabStops_;  // as last applied
     struct Placed {

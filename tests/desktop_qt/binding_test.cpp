@@ -3,17 +3,26 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QGuiApplication>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QTimer>
 
 #include <cctype>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
+#include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "form/controls.hpp"
 #include "form/form.hpp"
@@ -319,6 +328,100 @@ TEST_F(Binding, TheCloseBoxAsksTheModel) {
     binding.Window()->close();
     EXPECT_FALSE(frm.Visible());
     EXPECT_FALSE(binding.Window()->isVisible());
+}
+
+TEST_F(Binding, AListComesOverInOnePassAfterTheEvent) {
+    Show();
+    auto* widget = Widget<QListWidget>(frm.lstOne);
+    int inserts = 0;
+    QObject::connect(widget->model(), &QAbstractItemModel::rowsInserted, [&] { ++inserts; });
+    RunEntryPoint([this] {
+        for (int i = 0; i < 1000; ++i) frm.lstOne.AddItem(std::to_string(i));
+    });
+    EXPECT_EQ(inserts, 1);
+    using Edit = std::function<void(form::ListBox&)>;
+    const Edit edits[] = {
+        [](form::ListBox& l) { l.AddItem("first", 0); },
+        [](form::ListBox& l) { l.RemoveItem(500); },
+        [](form::ListBox& l) { l.SetList(2, "renamed"); },
+        [](form::ListBox& l) { l.SetList(l.ListCount() - 1, "0"); },
+        [](form::ListBox& l) { l.Clear(); for (const char* t : {"A", "A", "B", "A"}) l.AddItem(t); },
+        [](form::ListBox& l) { l.RemoveItem(1); },
+        [](form::ListBox& l) { l.RemoveItem(0); },
+    };
+    for (const Edit& edit : edits) {
+        RunEntryPoint([&] { edit(frm.lstOne); });
+        QStringList want, got;
+        for (int i = 0; i < frm.lstOne.ListCount(); ++i) want << QString::fromLatin1(frm.lstOne.List(i));
+        for (int i = 0; i < widget->count(); ++i) got << widget->item(i)->text();
+        EXPECT_EQ(got, want);
+    }
+}
+
+TEST_F(Binding, OnlyAWindowStateTheUserChoseReachesTheModel) {
+    Show();
+    QWidget* window = binding.Window();
+    // Sent away as the close box does, and brought back before the window
+    // system reported the minimise it was asked for.
+    RunEntryPoint([this] {
+        frm.SetWindowState(form::WindowState::Minimized);
+        frm.SetVisible(false);
+    });
+    RunEntryPoint([this] {
+        frm.SetWindowState(form::WindowState::Normal);
+        frm.SetVisible(true);
+    });
+    window->setWindowState(Qt::WindowMinimized);  // the late report
+    Settle();
+    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Normal);
+    EXPECT_FALSE(window->isMinimized());
+    window->setWindowState(Qt::WindowMinimized);  // the user's
+    Settle();
+    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Minimized);
+}
+
+TEST_F(Binding, TabGoesInReadingOrder) {
+    Show();
+    Focus(frm.txtA);
+    std::vector<std::string> order;
+    for (int i = 0; i < 8; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        Settle();
+        order.push_back(frm.ActiveControl()->Name());
+    }
+    EXPECT_EQ(order, (std::vector<std::string>{"txtB", "cmdGo", "chkDots", "chkPlain", "scrBar", "lstOne",
+                                               "lstMany", "txtA"}));
+}
+
+TEST(InputBox, HasOneWidthWrapsItsPromptAndStandsWhereItsCallerPutsIt) {
+    const std::string words = [] {
+        std::string text;
+        for (int i = 0; i < 40; ++i) text += "word ";
+        return text;
+    }();
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    const struct {
+        std::optional<TwipPoint> at;
+        QPoint frame;  // where the box's frame stands; none: centred
+    } cases[] = {{std::nullopt, {}}, {TwipPoint{1850, 1100}, QPoint(123, 73)}};
+    for (const auto& c : cases) {
+        QRect frame;
+        QLabel* label = nullptr;
+        QTimer::singleShot(0, [&] {
+            QWidget* box = QApplication::activeModalWidget();
+            ASSERT_NE(box, nullptr);
+            frame = box->frameGeometry();
+            label = box->findChild<QLabel*>();
+            EXPECT_EQ(box->width(), kInputBoxWidthPixels);
+            EXPECT_GT(label->height(), 2 * label->fontMetrics().height());  // wrapped
+            box->close();
+        });
+        QtDialogs().InputBox(words, "Title", "", c.at);
+        if (c.at)
+            EXPECT_EQ(frame.topLeft(), c.frame);
+        else
+            EXPECT_LE((frame.center() - screen.center()).manhattanLength(), 2);
+    }
 }
 
 TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
