@@ -22,6 +22,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -127,7 +128,14 @@ QtFormBinding::QtFormBinding(form::Form& form, std::vector<form::MenuItem*> menu
     for (Control* c : controls)
         if (!dynamic_cast<form::MenuItem*>(c)) CreateControl(*c);
 
-    form_.FormChanged.Connect([this](form::Form&) { ApplyForm(); });
+    // A handler passes through states the window must not take: the close
+    // box minimises, then hides. An iconify asked for on the way is carried
+    // out late by a window manager, and can leave the form minimised once
+    // it has been restored. The window takes the state the handler ends in.
+    form_.FormChanged.Connect([this](form::Form&) {
+        formPending_ = true;
+        ScheduleFlush();
+    });
     Sync();
     ApplyForm();
 }
@@ -320,22 +328,26 @@ void QtFormBinding::Apply(Control& c, Property p) {
         // A start adds thousands of groups one by one: the widget follows
         // once, when the event is over.
         listsPending_.insert(list);
-        ScheduleListFlush();
+        ScheduleFlush();
         return;
     }
     ApplyAll(c);
 }
 
-void QtFormBinding::ScheduleListFlush() {
-    if (listFlushPending_) return;
-    listFlushPending_ = true;
+void QtFormBinding::ScheduleFlush() {
+    if (flushScheduled_) return;
+    flushScheduled_ = true;
     // Also for changes made where no entry point ends (a form loaded
     // before its modal loop).
-    QTimer::singleShot(0, this, [this] { FlushLists(); });
+    QTimer::singleShot(0, this, [this] { FlushPending(); });
 }
 
-void QtFormBinding::FlushLists() {
-    listFlushPending_ = false;
+void QtFormBinding::FlushPending() {
+    flushScheduled_ = false;
+    if (formPending_) {
+        formPending_ = false;
+        ApplyForm();
+    }
     const std::set<form::ListBox*> lists = std::move(listsPending_);
     listsPending_.clear();
     for (form::ListBox* list : lists) ApplyAll(*list);
@@ -549,8 +561,19 @@ void QtFormBinding::ApplyFormState() {
     }
 }
 
+void QtFormBinding::PlaceFrame(const QPoint& at) {
+    // Left and Top are the outer frame's, the window manager's decorations
+    // included. Before the manager has said how wide they are (just after
+    // the first show), only a frame position asks it to place the frame.
+    QWindow* handle = window_->windowHandle();
+    if (handle && window_->frameGeometry() == window_->geometry())
+        handle->setFramePosition(at);
+    else
+        window_->move(at);
+}
+
 void QtFormBinding::Sync() {
-    FlushLists();
+    FlushPending();
     {
         Syncing s(syncing_);
         const Placed now{form_.Left, form_.Top, form_.Width, form_.Height};
@@ -559,7 +582,7 @@ void QtFormBinding::Sync() {
                 content_->setFixedSize(TwipsToPixels(now.width), TwipsToPixels(now.height));
         }
         if (!placedOnce_ || now.left != placed_.left || now.top != placed_.top)
-            window_->move(TwipsToPixels(now.left), TwipsToPixels(now.top));
+            PlaceFrame(QPoint(TwipsToPixels(now.left), TwipsToPixels(now.top)));
         placed_ = now;
         placedOnce_ = true;
         for (auto& entry : bound_) {

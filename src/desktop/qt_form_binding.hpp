@@ -21,6 +21,7 @@
 class QAction;
 class QEvent;
 class QKeyEvent;
+class QPoint;
 class QLineEdit;
 class QListWidget;
 class QMenu;
@@ -82,11 +83,12 @@ private:
     void ApplyAll(form::Control& control);
     void ApplyForm();
     void ApplyGeometry(const Bound& b);
+    void PlaceFrame(const QPoint& at);
     void ApplyTextBox(form::TextBox& box, bool withSelection);
     void ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plain);
     void SyncList(form::ListBox& list, QListWidget* widget);
-    void ScheduleListFlush();
-    void FlushLists();
+    void ScheduleFlush();
+    void FlushPending();
     void SchedulePush(form::ListBox& list, QListWidget* widget);
     void PushList(form::ListBox& list, QListWidget* widget);
     void PushSelection(form::TextBox& box, QLineEdit* edit);
@@ -122,7 +124,8 @@ private:
     const form::Control* quietSelection_ = nullptr;  // its selection comes from the widget
     std::set<const form::ListBox*> pushPending_;
     std::set<form::ListBox*> listsPending_;  // changed in the model, shown once the event is over
-    bool listFlushPending_ = false;
+    bool flushScheduled_ = false;  // FlushPending is posted
+    bool formPending_ = false;  // caption, visibility or state changed in the model
     struct Request {
         form::WindowState state;
         std::int64_t at;  // ms of a monotonic clock

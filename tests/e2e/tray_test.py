@@ -1,13 +1,17 @@
 #!/usr/bin/env python3
 """With a tray host running, the close box only hides the main form in the
 tray; a click on the tray icon brings it back, and the icon's popup menu
-(right click) ends the program by its last entry, "Exit"."""
+(right click) ends the program by its last entry, "Exit". Then under a
+window manager: the form's outer frame stands at 1000/1000 twips, and a form
+restored from the tray or by RestoreOnStop after HideOnGo is not left
+minimised by the manager's late report of the minimise before the hide."""
 
 import re
 import shutil
 import sys
+import time
 
-from x11_session import Failure, Skip, check, main, poll
+from x11_session import Failure, Skip, check, main, poll, write_data_file
 
 
 def tray_icon(session):
@@ -29,6 +33,19 @@ def tray_icon(session):
     return None
 
 
+def close_to_tray(session, form):
+    # Qt now and then drops a WM_DELETE_WINDOW (a bare QWidget on Xvfb does
+    # the same), so the box is pressed up to three times.
+    for attempt in range(3):
+        session.close_box(form)
+        try:
+            poll(lambda: not session.viewable(form), "the close box to hide the form", timeout=5)
+            return
+        except Failure:
+            if attempt == 2:
+                raise
+
+
 def test(session):
     if shutil.which("trayer") is None:
         raise Skip("trayer is not installed (scripts/install-deps installs it)")
@@ -42,16 +59,7 @@ def test(session):
     form = poll(lambda: session.titled("Ostrivane "), "the main form")[0]
     icon, width, height = poll(lambda: tray_icon(session), "the tray icon in the panel")
 
-    # Qt without a window manager now and then drops a WM_DELETE_WINDOW (a
-    # bare QWidget on Xvfb does the same), so the box is pressed up to three times.
-    for attempt in range(3):
-        session.close_box(form.id)
-        try:
-            poll(lambda: not session.viewable(form.id), "the close box to hide the form", timeout=5)
-            break
-        except Failure:
-            if attempt == 2:
-                raise
+    close_to_tray(session, form.id)
     check(app.running(), "the close box ended the program")
 
     session.click(icon, width // 2, height // 2)
@@ -64,6 +72,55 @@ def test(session):
     # Up from no entry selects the last one, Exit.
     session.x("xdotool", "key", "Up", "Return")
     check(app.wait() == 0, f"Exit from the tray menu ended with {app.popen.returncode}")
+    under_window_manager(session)
+
+
+def normal(session, wid):
+    """Mapped, and neither iconic nor hidden in the manager's eyes."""
+    state = session.x("xprop", "-id", wid, "WM_STATE", "_NET_WM_STATE")
+    return session.viewable(wid) and "Iconic" not in state and "_NET_WM_STATE_HIDDEN" not in state
+
+
+def under_window_manager(session):
+    if shutil.which("openbox") is None:
+        print("openbox is not installed: the window manager part is left out")
+        return
+    session.start_other(["openbox"])
+    poll(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.x("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+         "openbox to manage the screen")
+    write_data_file(session.data_file, {"Bench": ([0, 0, -1, -1, -1, -1, -1, -1],
+                                                  [[300, 300, 40, 40, 255, 1, 100, 0]], "")})
+    with open(session.data_file, "rb") as f:
+        text = f.read().replace(b"[Defaults]\r\n", b"[Defaults]\r\nHideOnGo=1\r\nRestoreOnStop=1\r\n", 1)
+    with open(session.data_file, "wb") as f:
+        f.write(text)
+
+    app = session.start()
+    form = poll(lambda: [w for w in session.x("xdotool", "search", "--name", "^Ostrivane $", check_rc=False).split()
+                         if session.viewable(w)], "the main form under openbox")[0]
+    extents = poll(lambda: re.findall(r"-?\d+", session.x("xprop", "-id", form, "_NET_FRAME_EXTENTS").split("=")[-1]),
+                   "the frame extents")
+    info = session.x("xwininfo", "-id", form)
+    client = [int(re.search(rf"Absolute upper-left {axis}:\s+(-?\d+)", info).group(1)) for axis in "XY"]
+    frame = (client[0] - int(extents[0]), client[1] - int(extents[2]))
+    check(frame == (67, 67), f"the form's frame stands at {frame}, its client area at {client}")
+
+    icon, width, height = poll(lambda: tray_icon(session), "the tray icon under openbox")
+    for _ in range(3):
+        check(session.start("bench").wait() == 0, "the group start failed")
+        poll(lambda: not session.viewable(form), "HideOnGo to hide the form")
+        check(session.start("/stop").wait() == 0, "the /stop start failed")
+        poll(lambda: normal(session, form), "RestoreOnStop to bring the form back")
+        time.sleep(0.5)
+        check(normal(session, form), "the form went back to the task bar after RestoreOnStop")
+
+        close_to_tray(session, form)
+        session.click(icon, width // 2, height // 2)
+        poll(lambda: normal(session, form), "a click on the tray icon to bring the form back")
+        time.sleep(0.5)
+        check(normal(session, form), "the form went back to the task bar after a tray click")
+    check(session.start("/quit").wait() == 0, "the /quit start failed")
+    check(app.wait() == 0, f"the program ended with {app.popen.returncode}")
 
 
 if __name__ == "__main__":
