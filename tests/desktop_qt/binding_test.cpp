@@ -303,6 +303,14 @@ TEST_F(Binding, OnlyAWindowStateTheUserChoseReachesTheModelAndTheCloseBoxAsksIt)
     binding.OnQueryUnload = nullptr;
     window->close();
     EXPECT_FALSE(frm.Visible() || window->isVisible());
+    // The states a handler passes through never reach the window.
+    int changes = 0;
+    binding.OnVisibleChanged = [&] { ++changes; };
+    RunEntryPoint([this] {
+        frm.SetVisible(true);
+        frm.SetVisible(false);
+    });
+    EXPECT_EQ(changes, 0);
 }
 
 TEST_F(Binding, TabGoesInReadingOrder) {
