@@ -56,11 +56,10 @@ protected:
         auto* dialog = qobject_cast<QWidget*>(watched);
         if (event->type() != QEvent::Show || dialog == nullptr) return false;
         if (auto* label = dialog->findChild<QLabel*>()) label->setWordWrap(true);
-        if (dialog->layout()) dialog->layout()->setSizeConstraint(QLayout::SetDefaultConstraint);
-        dialog->setMinimumSize(0, 0);
         dialog->setFixedWidth(kInputBoxWidthPixels);
-        dialog->setFixedHeight(dialog->layout() ? dialog->layout()->heightForWidth(kInputBoxWidthPixels)
-                                                : dialog->height());
+        // As high as the wrapped prompt needs.
+        const int height = dialog->layout() ? dialog->layout()->heightForWidth(kInputBoxWidthPixels) : -1;
+        if (height > 0) dialog->setFixedHeight(height);
         QPoint at;
         if (at_) {
             at = *at_;
