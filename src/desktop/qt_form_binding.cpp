@@ -532,11 +532,6 @@ void QtFormBinding::SyncList(form::ListBox& list, QListWidget* w) {
 
 void QtFormBinding::ApplyForm() {
     const bool wasVisible = window_->isVisible();
-    {
-        Syncing s(syncing_);
-        const QString title = Latin1(form_.Caption());
-        if (window_->windowTitle() != title) window_->setWindowTitle(title);
-    }
     ApplyFormState();
     if (OnVisibleChanged && wasVisible != form_.Visible()) OnVisibleChanged();
 }
@@ -544,6 +539,9 @@ void QtFormBinding::ApplyForm() {
 void QtFormBinding::ApplyFormState() {
     Syncing s(syncing_);
     FormWindow* w = window_.get();
+    // The caption first: a window is found by its title as it maps.
+    const QString title = Latin1(form_.Caption());
+    if (w->windowTitle() != title) w->setWindowTitle(title);
     const form::WindowState state = form_.GetWindowState();
     if (form_.Visible() || (state == form::WindowState::Minimized && !QSystemTrayIcon::isSystemTrayAvailable())) {
         // With no tray to come back from, a form sent away stays on the task bar.

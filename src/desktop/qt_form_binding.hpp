@@ -55,7 +55,7 @@ public:
     // Told each time the model's form shows or hides.
     std::function<void()> OnVisibleChanged;
 
-    // The window's visibility and state as the model has them.
+    // The window's caption, visibility and state as the model has them.
     void ApplyFormState();
     // Brings over what the model changes without an event: places and sizes,
     // and where the focus is.

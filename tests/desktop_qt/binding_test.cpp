@@ -311,6 +311,12 @@ TEST_F(Binding, OnlyAWindowStateTheUserChoseReachesTheModelAndTheCloseBoxAsksIt)
         frm.SetVisible(false);
     });
     EXPECT_EQ(changes, 0);
+    RunEntryPoint([this, window] {  // brought forward inside a handler, it maps with its caption
+        frm.SetCaption("Shown");
+        frm.SetVisible(true);
+        binding.ApplyFormState();
+        EXPECT_TRUE(window->isVisible() && window->windowTitle() == "Shown");
+    });
 }
 
 TEST_F(Binding, TabGoesInReadingOrder) {
