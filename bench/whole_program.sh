@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Whole-program figures of the desktop program, on a private Xvfb:
-#   - start to main form shown (process start to the form's window mapped)
+#   - start to main form shown (process start to the form's window mapped),
+#     with 1, 1,000 and 10,000 groups in the data file
 #   - peak memory (VmHWM) with the form up, and with 50 markers shown
 #   - "/show" to all 100 line windows of a 50-marker group mapped, measured
 #     from the start of the second copy that carries the command; the cost
@@ -85,18 +86,36 @@ stop_app() {
   wait "$1" 2>/dev/null || true
 }
 
-startup=(); forms=()
-for i in $(seq 1 "$runs"); do
-  watch "$tmp/form" wait-title "Ostrivane " 30000
-  t0=$(now)
-  "$app" > "$tmp/app.log" 2>&1 &
-  pid=$!; pids+=("$pid")
-  moment "the main form" "$tmp/form"
-  startup+=($(( at - t0 )))
-  sleep 0.5
-  forms+=("$(hwm "$pid")")
-  stop_app "$pid"
+data=$XDG_DATA_HOME/Ostrivane/ostrivane.ini
+cp "$data" "$tmp/bench50.ini"
+# A data file of N groups of one marker each.
+groups_file() {
+  awk -v n="$1" 'BEGIN {
+    printf "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nDataFormat=1\r\nScreenRes=1920x1080\r\nPC=bench\r\n"
+    for (g = 1; g <= n; g++)
+      printf "[Group%05d]\r\nDataFormat=1\r\nDefaults=0,0,-1,-1,-1,-1,-1,-1,\r\n1=%d,%d,40,40,255,1,100,0,\r\nNotes=\r\n", g, 100 + g % 1000, 100 + g % 700
+  }' > "$data"
+}
+
+declare -A startup_ms
+forms=()
+for groups in 1 1000 10000; do
+  groups_file "$groups"
+  startup=()
+  for i in $(seq 1 "$runs"); do
+    watch "$tmp/form" wait-title "Ostrivane " 120000
+    t0=$(now)
+    "$app" > "$tmp/app.log" 2>&1 &
+    pid=$!; pids+=("$pid")
+    moment "the main form" "$tmp/form"
+    startup+=($(( at - t0 )))
+    sleep 0.5
+    [ "$groups" -ne 1 ] || forms+=("$(hwm "$pid")")
+    stop_app "$pid"
+  done
+  startup_ms[$groups]=$(ms "$(printf '%s\n' "${startup[@]}" | median)")
 done
+cp "$tmp/bench50.ini" "$data"
 
 "$app" Bench50 > "$tmp/app.log" 2>&1 &
 pid=$!; pids+=("$pid")
@@ -126,7 +145,9 @@ echo "Whole program, median of $runs runs (Xvfb 1920x1080, $(nproc) cores):"
 echo
 echo "| What | Figure |"
 echo "|---|---|"
-echo "| Start to main form shown | $(ms "$(printf '%s\n' "${startup[@]}" | median)") ms |"
+for groups in 1 1000 10000; do
+  echo "| Start to main form shown, $groups group(s) | ${startup_ms[$groups]} ms |"
+done
 echo "| Peak memory (VmHWM), form shown, no group | $(( $(printf '%s\n' "${forms[@]}" | median) / 1024 )) MiB |"
 echo "| Peak memory (VmHWM), 50 markers shown | $(( shown_hwm / 1024 )) MiB |"
 echo "| \`ostrivane /show\` to all 100 line windows of 50 markers mapped | $(ms "$(printf '%s\n' "${show[@]}" | median)") ms |"

@@ -24,6 +24,9 @@ inline int TwipsToPixels(int twips) {
     return static_cast<int>(q);
 }
 
+// The system's input box is of one width whatever its prompt, which wraps.
+inline constexpr int kInputBoxWidthPixels = 360;
+
 inline int PixelsToTwips(int pixels) {
     const std::int64_t t = static_cast<std::int64_t>(pixels) * kTwipsPerPixel;
     return static_cast<int>(std::clamp<std::int64_t>(t, INT_MIN, INT_MAX));

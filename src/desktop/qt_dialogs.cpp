@@ -5,12 +5,17 @@
 #include <QCloseEvent>
 #include <QColorDialog>
 #include <QInputDialog>
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 
 #include <map>
+#include <optional>
 
 #include "desktop/desktop_rules.hpp"
 #include "store/data_file.hpp"
@@ -37,6 +42,37 @@ protected:
         }
         return QObject::eventFilter(watched, event);
     }
+};
+
+// The input box has one width and wraps its prompt; it stands where its
+// caller puts it, else in the middle of the screen. Done as it shows, once
+// the dialog has laid itself out for the prompt.
+class InputBoxShape final : public QObject {
+public:
+    explicit InputBoxShape(std::optional<QPoint> at) : at_(at) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* dialog = qobject_cast<QWidget*>(watched);
+        if (event->type() != QEvent::Show || dialog == nullptr) return false;
+        if (auto* label = dialog->findChild<QLabel*>()) label->setWordWrap(true);
+        dialog->setFixedWidth(kInputBoxWidthPixels);
+        // As high as the wrapped prompt needs.
+        const int height = dialog->layout() ? dialog->layout()->heightForWidth(kInputBoxWidthPixels) : -1;
+        if (height > 0) dialog->setFixedHeight(height);
+        QPoint at;
+        if (at_) {
+            at = *at_;
+        } else {
+            const QScreen* screen = dialog->screen() ? dialog->screen() : QGuiApplication::primaryScreen();
+            at = screen->geometry().center() - QPoint(dialog->width() / 2, dialog->height() / 2);
+        }
+        dialog->move(at);
+        return false;
+    }
+
+private:
+    std::optional<QPoint> at_;
 };
 
 QMessageBox::StandardButton ButtonFor(int answer) {
@@ -107,10 +143,10 @@ std::string QtDialogs::InputBox(const std::string& prompt, const std::string& ti
     dialog.setWindowTitle(TitleOrApp(title));
     dialog.setLabelText(Latin1(prompt));
     dialog.setTextValue(Latin1(proposal));
-    if (position) {
-        dialog.adjustSize();
-        dialog.move(TwipsToPixels(position->left), TwipsToPixels(position->top));
-    }
+    std::optional<QPoint> at;
+    if (position) at = QPoint(TwipsToPixels(position->left), TwipsToPixels(position->top));
+    InputBoxShape shape(at);
+    dialog.installEventFilter(&shape);
     if (dialog.exec() != QDialog::Accepted) return {};
     return dialog.textValue().toLatin1().toStdString();
 }

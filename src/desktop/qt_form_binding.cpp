@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QStringList>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
@@ -21,8 +22,10 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWidget>
+#include <QWindow>
 
 #include <algorithm>
+#include <chrono>
 
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
@@ -125,7 +128,14 @@ QtFormBinding::QtFormBinding(form::Form& form, std::vector<form::MenuItem*> menu
     for (Control* c : controls)
         if (!dynamic_cast<form::MenuItem*>(c)) CreateControl(*c);
 
-    form_.FormChanged.Connect([this](form::Form&) { ApplyForm(); });
+    // A handler passes through states the window must not take: the close
+    // box minimises, then hides. An iconify asked for on the way is carried
+    // out late by a window manager, and can leave the form minimised once
+    // it has been restored. The window takes the state the handler ends in.
+    form_.FormChanged.Connect([this](form::Form&) {
+        formPending_ = true;
+        ScheduleFlush();
+    });
     Sync();
     ApplyForm();
 }
@@ -314,7 +324,33 @@ void QtFormBinding::Apply(Control& c, Property p) {
             ApplyAll(c);
         return;
     }
+    if (auto* list = dynamic_cast<form::ListBox*>(&c)) {
+        // A start adds thousands of groups one by one: the widget follows
+        // once, when the event is over.
+        listsPending_.insert(list);
+        ScheduleFlush();
+        return;
+    }
     ApplyAll(c);
+}
+
+void QtFormBinding::ScheduleFlush() {
+    if (flushScheduled_) return;
+    flushScheduled_ = true;
+    // Also for changes made where no entry point ends (a form loaded
+    // before its modal loop).
+    QTimer::singleShot(0, this, [this] { FlushPending(); });
+}
+
+void QtFormBinding::FlushPending() {
+    flushScheduled_ = false;
+    if (formPending_) {
+        formPending_ = false;
+        ApplyForm();
+    }
+    const std::set<form::ListBox*> lists = std::move(listsPending_);
+    listsPending_.clear();
+    for (form::ListBox* list : lists) ApplyAll(*list);
 }
 
 void QtFormBinding::ApplyGeometry(const Bound& b) {
@@ -461,11 +497,24 @@ void QtFormBinding::ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plai
 
 void QtFormBinding::SyncList(form::ListBox& list, QListWidget* w) {
     const int count = list.ListCount();
-    bool same = w->count() == count;
-    for (int i = 0; same && i < count; ++i) same = w->item(i)->text() == Latin1(list.List(i));
-    if (!same) {
+    // Only the rows between the common head and the common tail change.
+    const int shown = w->count();
+    int head = 0;
+    while (head < count && head < shown && w->item(head)->text() == Latin1(list.List(head))) ++head;
+    int tail = 0;
+    while (tail < count - head && tail < shown - head &&
+           w->item(shown - 1 - tail)->text() == Latin1(list.List(count - 1 - tail)))
+        ++tail;
+    if (head == 0 && tail == 0 && shown > 0) {
         w->clear();
-        for (int i = 0; i < count; ++i) w->addItem(Latin1(list.List(i)));
+    } else {
+        for (int row = shown - tail - 1; row >= head; --row) delete w->takeItem(row);
+    }
+    if (head + tail < count) {
+        QStringList added;
+        added.reserve(count - head - tail);
+        for (int i = head; i < count - tail; ++i) added.append(Latin1(list.List(i)));
+        w->insertItems(head, added);
     }
     for (int i = 0; i < count; ++i) {
         QListWidgetItem* item = w->item(i);
@@ -483,11 +532,6 @@ void QtFormBinding::SyncList(form::ListBox& list, QListWidget* w) {
 
 void QtFormBinding::ApplyForm() {
     const bool wasVisible = window_->isVisible();
-    {
-        Syncing s(syncing_);
-        const QString title = Latin1(form_.Caption());
-        if (window_->windowTitle() != title) window_->setWindowTitle(title);
-    }
     ApplyFormState();
     if (OnVisibleChanged && wasVisible != form_.Visible()) OnVisibleChanged();
 }
@@ -495,12 +539,19 @@ void QtFormBinding::ApplyForm() {
 void QtFormBinding::ApplyFormState() {
     Syncing s(syncing_);
     FormWindow* w = window_.get();
+    // The caption first: a window is found by its title as it maps.
+    const QString title = Latin1(form_.Caption());
+    if (w->windowTitle() != title) w->setWindowTitle(title);
     const form::WindowState state = form_.GetWindowState();
     if (form_.Visible() || (state == form::WindowState::Minimized && !QSystemTrayIcon::isSystemTrayAvailable())) {
         // With no tray to come back from, a form sent away stays on the task bar.
         if (state == form::WindowState::Minimized || !form_.Visible()) {
-            if (!w->isVisible() || !w->isMinimized()) w->showMinimized();
+            if (!w->isVisible() || !w->isMinimized()) {
+                Requested(form::WindowState::Minimized);
+                w->showMinimized();
+            }
         } else if (!w->isVisible() || w->isMinimized()) {
+            Requested(form::WindowState::Normal);
             w->showNormal();
         }
     } else if (w->isVisible()) {
@@ -508,7 +559,19 @@ void QtFormBinding::ApplyFormState() {
     }
 }
 
+void QtFormBinding::PlaceFrame(const QPoint& at) {
+    // Left and Top are the outer frame's, the window manager's decorations
+    // included. Before the manager has said how wide they are (just after
+    // the first show), only a frame position asks it to place the frame.
+    QWindow* handle = window_->windowHandle();
+    if (handle && window_->frameGeometry() == window_->geometry())
+        handle->setFramePosition(at);
+    else
+        window_->move(at);
+}
+
 void QtFormBinding::Sync() {
+    FlushPending();
     {
         Syncing s(syncing_);
         const Placed now{form_.Left, form_.Top, form_.Width, form_.Height};
@@ -517,7 +580,7 @@ void QtFormBinding::Sync() {
                 content_->setFixedSize(TwipsToPixels(now.width), TwipsToPixels(now.height));
         }
         if (!placedOnce_ || now.left != placed_.left || now.top != placed_.top)
-            window_->move(TwipsToPixels(now.left), TwipsToPixels(now.top));
+            PlaceFrame(QPoint(TwipsToPixels(now.left), TwipsToPixels(now.top)));
         placed_ = now;
         placedOnce_ = true;
         for (auto& entry : bound_) {
@@ -775,9 +838,38 @@ void QtFormBinding::OnCloseBox() {
     });
 }
 
+namespace {
+
+// How long the window system may take to report a state the binding asked for.
+constexpr std::int64_t kStateReportMs = 2000;
+
+std::int64_t NowMs() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+}  // namespace
+
+void QtFormBinding::Requested(form::WindowState state) { requests_.push_back({state, NowMs()}); }
+
 void QtFormBinding::OnUserWindowState() {
     if (syncing_) return;
     const bool minimized = window_->isMinimized();
+    // The window manager reports the binding's own requests, often late
+    // (a minimise asked for just before a hide comes after the form was
+    // restored): such a report is no user's, and the window goes back to
+    // the model's state.
+    const form::WindowState now = minimized ? form::WindowState::Minimized : form::WindowState::Normal;
+    const std::int64_t oldest = NowMs() - kStateReportMs;
+    std::erase_if(requests_, [oldest](const Request& r) { return r.at < oldest; });
+    const auto echo = std::find_if(requests_.begin(), requests_.end(), [now](const Request& r) { return r.state == now; });
+    if (echo != requests_.end()) {
+        requests_.erase(requests_.begin(), echo + 1);
+        QTimer::singleShot(0, this, [this] { ApplyFormState(); });
+        return;
+    }
+    requests_.clear();  // what the user did replaces what was asked before
     const form::WindowState state = form_.GetWindowState();
     if (minimized && state != form::WindowState::Minimized) {
         Enter([this] { form_.SetWindowState(form::WindowState::Minimized); });

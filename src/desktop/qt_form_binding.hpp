@@ -7,6 +7,7 @@
 #include <QKeySequence>
 #include <QObject>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -20,6 +21,7 @@
 class QAction;
 class QEvent;
 class QKeyEvent;
+class QPoint;
 class QLineEdit;
 class QListWidget;
 class QMenu;
@@ -53,7 +55,7 @@ public:
     // Told each time the model's form shows or hides.
     std::function<void()> OnVisibleChanged;
 
-    // The window's visibility and state as the model has them.
+    // The window's caption, visibility and state as the model has them.
     void ApplyFormState();
     // Brings over what the model changes without an event: places and sizes,
     // and where the focus is.
@@ -81,9 +83,12 @@ private:
     void ApplyAll(form::Control& control);
     void ApplyForm();
     void ApplyGeometry(const Bound& b);
+    void PlaceFrame(const QPoint& at);
     void ApplyTextBox(form::TextBox& box, bool withSelection);
     void ApplyTabStops(const form::TextBox& box, QPlainTextEdit* plain);
     void SyncList(form::ListBox& list, QListWidget* widget);
+    void ScheduleFlush();
+    void FlushPending();
     void SchedulePush(form::ListBox& list, QListWidget* widget);
     void PushList(form::ListBox& list, QListWidget* widget);
     void PushSelection(form::TextBox& box, QLineEdit* edit);
@@ -100,6 +105,8 @@ private:
     // Called by the window and the widget filter.
     void OnCloseBox();
     void OnUserWindowState();
+    // The window-state requests of the binding whose report may still come.
+    void Requested(form::WindowState state);
     void OnUserMove();
     void OnFocusIn(form::Control& control);
     bool OnKeyPress(form::Control* control, QWidget* widget, QKeyEvent* event);
@@ -116,6 +123,14 @@ private:
     form::Control* refused_ = nullptr;  // the control whose focus a Validate refused last
     const form::Control* quietSelection_ = nullptr;  // its selection comes from the widget
     std::set<const form::ListBox*> pushPending_;
+    std::set<form::ListBox*> listsPending_;  // changed in the model, shown once the event is over
+    bool flushScheduled_ = false;  // FlushPending is posted
+    bool formPending_ = false;  // caption, visibility or state changed in the model
+    struct Request {
+        form::WindowState state;
+        std::int64_t at;  // ms of a monotonic clock
+    };
+    std::vector<Request> requests_;
     bool focusSyncPending_ = false;
     std::map<const form::TextBox*, std::optional<std::vector<std::int32_t>>> tabStops_;  // as last applied
     struct Placed {

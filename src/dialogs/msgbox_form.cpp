@@ -75,7 +75,8 @@ void MsgBoxForm::Form_Load() {
     SavedBusy = BusyState;
     lib_SetBusy(false);
 
-    SetCaption(ExecutableBaseName() + "(" + title_ + ")");
+    // The title of the window in front, unless the caller named one.
+    SetCaption(ExecutableBaseName() + "(" + (title_.empty() ? ForegroundWindowTitle() : title_) + ")");
 
     const std::string_view request = MessageText;
     const std::int16_t type = RoundToInt16(Val(Mid(request, 1, 1)));

@@ -53,8 +53,11 @@ WindowHandle lib_FindWindowLike(WindowSystem& ws, std::string_view pattern, bool
 
 // True while the program says it is busy (the hourglass).
 extern bool BusyState;
-// The window system whose pointer lib_SetBusy switches; none leaves only the flag.
+// The window system whose pointer lib_SetBusy switches and whose window in
+// front names the message box; none leaves only the flag and no title.
 void lib_AttachBusyCursor(WindowSystem* ws);
+// lib_GetWindowTitle of the foreground window, through that window system.
+std::string ForegroundWindowTitle();
 void lib_SetBusy(bool on);
 
 // Each item of the comma list as a 32-bit number (one that fails to convert

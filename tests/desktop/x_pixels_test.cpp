@@ -8,11 +8,7 @@ namespace ostrivane::desktop {
 namespace {
 
 TEST(XPixels, ColourIntoTrueColourMasks) {
-    struct Case {
-        std::int32_t colour;
-        std::uint32_t r, g, b;  // masks
-        std::uint32_t pixel;
-    };
+    struct Case { std::int32_t colour; std::uint32_t r, g, b, pixel; };  // r, g, b: the masks
     const Case cases[] = {
         // The usual 24-bit visual: red high, blue low; the table has red low.
         {0x0000FF, 0xFF0000, 0x00FF00, 0x0000FF, 0xFF0000},
@@ -38,40 +34,18 @@ TEST(XPixels, ColourIntoTrueColourMasks) {
     }
 }
 
-TEST(XPixels, HatchIsBothDiagonalsOfTheCell) {
-    int set = 0;
-    for (int y = 0; y < kHatchSize; ++y) {
-        for (int x = 0; x < kHatchSize; ++x) {
-            const bool expected = x == y || x == kHatchSize - 1 - y;
-            EXPECT_EQ(HatchPixelSet(x, y), expected) << x << "," << y;
-            set += HatchPixelSet(x, y) ? 1 : 0;
-        }
-    }
-    EXPECT_EQ(set, 16);  // the diagonals do not meet on a pixel in an even cell
-}
-
 TEST(XPixels, PositionsAndSizesFitTheProtocol) {
-    EXPECT_EQ(ClampPosition(0), 0);
-    EXPECT_EQ(ClampPosition(-1280), -1280);
-    EXPECT_EQ(ClampPosition(32767), 32767);
-    EXPECT_EQ(ClampPosition(32768), 32767);
-    EXPECT_EQ(ClampPosition(-32769), -32768);
-    EXPECT_EQ(ClampPosition(INT32_MIN), -32768);
-    EXPECT_EQ(ClampExtent(1), 1);
-    EXPECT_EQ(ClampExtent(1920), 1920);
-    EXPECT_EQ(ClampExtent(0), 1);
-    EXPECT_EQ(ClampExtent(-5), 1);
-    EXPECT_EQ(ClampExtent(70000), 65535);
+    struct Case { std::int32_t value, position, extent; };
+    const Case cases[] = {{0, 0, 1},         {1, 1, 1},          {-5, -5, 1},   {1920, 1920, 1920},
+                          {-1280, -1280, 1}, {32767, 32767, 32767}, {32768, 32767, 32768}, {70000, 32767, 65535},
+                          {-32769, -32768, 1}, {INT32_MIN, -32768, 1}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(ClampPosition(c.value), c.position) << c.value;
+        EXPECT_EQ(ClampExtent(c.value), c.extent) << c.value;
+    }
     EXPECT_TRUE(Visible(1, 1));
     EXPECT_FALSE(Visible(0, 3));
     EXPECT_FALSE(Visible(5, -2));
-}
-
-TEST(XPixels, OpacityCardinalSpansTheWholeRange) {
-    EXPECT_EQ(OpacityCardinal(0), 0u);
-    EXPECT_EQ(OpacityCardinal(255), 0xFFFFFFFFu);
-    EXPECT_EQ(OpacityCardinal(128), 0x80808080u);
-    EXPECT_EQ(OpacityCardinal(3), 0x03030303u);
 }
 
 }  // namespace

@@ -109,6 +109,18 @@ def test(session):
                    "the line windows after /show")
     check(Counter(w.rect for w in windows) == want, "the lines came back elsewhere after /show")
 
+    # The library's box names the window in front (here the main form, as a
+    # window manager would have it) in its caption.
+    form = session.titled("Ostrivane ")[0]
+    check(session.probe_run("activate", form.id).returncode == 0, "x11_probe activate failed")
+    session.start("nosuch")
+    box = poll(lambda: [w for w in session.windows() if (w.name or "").startswith("ostrivane(")],
+               "the not-found message box")[0]
+    check(box.name == "ostrivane(Ostrivane )", f"the message box is captioned {box.name!r}")
+    session.x("xdotool", "windowfocus", "--sync", box.id)
+    session.x("xdotool", "key", "Return")
+    poll(lambda: not session.viewable(box.id), "the message box to close")
+
     quit_ = session.start("/quit")
     check(quit_.wait() == 0, "the /quit start failed")
     check(first.wait() == 0, f"the first copy ended with status {first.popen.returncode}")

@@ -1,65 +1,98 @@
 #!/usr/bin/env python3
-"""With a tray host running, the close box only hides the main form in the
-tray; a click on the tray icon brings it back, and the icon's popup menu
-(right click) ends the program by its last entry, "Exit"."""
+"""Under a window manager and with a tray host: the main form's outer frame
+stands at 1000/1000 twips; the close box only hides the form in the tray and
+a click on the tray icon brings it back; RestoreOnStop brings back a form
+that HideOnGo sent away; neither is left minimised by the manager's late
+report of a minimise; the icon's popup menu ends the program by its last
+entry, "Exit"."""
 
 import re
 import shutil
 import sys
+import time
 
-from x11_session import Failure, Skip, check, main, poll
+from x11_session import Failure, Skip, check, main, poll, write_data_file
 
 
 def tray_icon(session):
     """The program's icon window, embedded somewhere below the tray panel."""
-    out = session.x("xwininfo", "-root", "-tree")
     inside, depth = False, 0
-    for line in out.splitlines():
+    for line in session.x("xwininfo", "-root", "-tree").splitlines():
         m = re.match(r'^(\s+)(0x[0-9a-f]+) .*?\((.*)\)\s+(\d+)x(\d+)', line)
         if not m:
             continue
-        indent = len(m.group(1))
         if '"panel" "trayer"' in line:
-            inside, depth = True, indent
-            continue
-        if inside and indent <= depth:
+            inside, depth = True, len(m.group(1))
+        elif inside and len(m.group(1)) <= depth:
             inside = False
-        if inside and '"ostrivane"' in m.group(3):
+        elif inside and '"ostrivane"' in m.group(3):
             return m.group(2), int(m.group(4)), int(m.group(5))
     return None
 
 
-def test(session):
-    if shutil.which("trayer") is None:
-        raise Skip("trayer is not installed (scripts/install-deps installs it)")
-    session.start_other(["trayer", "--edge", "top", "--align", "left", "--widthtype", "pixel",
-                         "--width", "120", "--height", "32", "--SetDockType", "false",
-                         "--SetPartialStrut", "false"])
-    poll(lambda: any(w.wm_class == ["panel", "trayer"] and session.viewable(w.id)
-                     for w in session.windows()), "the tray panel")
-
-    app = session.start()
-    form = poll(lambda: session.titled("Ostrivane "), "the main form")[0]
-    icon, width, height = poll(lambda: tray_icon(session), "the tray icon in the panel")
-
-    # Qt without a window manager now and then drops a WM_DELETE_WINDOW (a
-    # bare QWidget on Xvfb does the same), so the box is pressed up to three times.
+def close_to_tray(session, form):
+    # Qt now and then drops a WM_DELETE_WINDOW (a bare QWidget on Xvfb does
+    # the same), so the box is pressed up to three times.
     for attempt in range(3):
-        session.close_box(form.id)
+        session.close_box(form)
         try:
-            poll(lambda: not session.viewable(form.id), "the close box to hide the form", timeout=5)
-            break
+            return poll(lambda: not session.viewable(form), "the close box to hide the form", timeout=5)
         except Failure:
             if attempt == 2:
                 raise
-    check(app.running(), "the close box ended the program")
 
-    session.click(icon, width // 2, height // 2)
-    poll(lambda: session.viewable(form.id), "a click on the tray icon to bring the form back")
 
-    before = {w.id for w in session.windows()}
+def normal(session, wid):
+    """Mapped, and neither iconic nor hidden in the manager's eyes."""
+    state = session.x("xprop", "-id", wid, "WM_STATE", "_NET_WM_STATE")
+    return session.viewable(wid) and "Iconic" not in state and "_NET_WM_STATE_HIDDEN" not in state
+
+
+def test(session):
+    for tool in ("trayer", "openbox"):
+        if shutil.which(tool) is None:
+            raise Skip(f"{tool} is not installed (scripts/install-deps installs it)")
+    session.start_other(["openbox"])
+    poll(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.x("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+         "openbox to manage the screen")
+    session.start_other(["trayer", "--edge", "top", "--align", "left", "--widthtype", "pixel", "--width", "120",
+                         "--height", "32", "--SetDockType", "false", "--SetPartialStrut", "false"])
+    write_data_file(session.data_file, {"Bench": ([0, 0, -1, -1, -1, -1, -1, -1],
+                                                  [[300, 300, 40, 40, 255, 1, 100, 0]], "")})
+    with open(session.data_file, "rb") as f:
+        text = f.read().replace(b"[Defaults]\r\n", b"[Defaults]\r\nHideOnGo=1\r\nRestoreOnStop=1\r\n", 1)
+    with open(session.data_file, "wb") as f:
+        f.write(text)
+
+    app = session.start()
+    form = poll(lambda: [w for w in session.x("xdotool", "search", "--name", "^Ostrivane $", check_rc=False).split()
+                         if session.viewable(w)], "the main form")[0]
+    extents = poll(lambda: re.findall(r"\d+", session.x("xprop", "-id", form, "_NET_FRAME_EXTENTS").split("=")[-1]),
+                   "the frame extents")
+    info = session.x("xwininfo", "-id", form)
+    client = [int(re.search(rf"Absolute upper-left {axis}:\s+(-?\d+)", info).group(1)) for axis in "XY"]
+    frame = (client[0] - int(extents[0]), client[1] - int(extents[2]))
+    check(frame == (67, 67), f"the form's frame stands at {frame}, its client area at {client}")
+
+    icon, width, height = poll(lambda: tray_icon(session), "the tray icon in the panel")
+    for _ in range(3):
+        check(session.start("bench").wait() == 0, "the group start failed")
+        poll(lambda: not session.viewable(form), "HideOnGo to hide the form")
+        check(session.start("/stop").wait() == 0, "the /stop start failed")
+        poll(lambda: normal(session, form), "RestoreOnStop to bring the form back")
+        time.sleep(0.5)
+        check(normal(session, form), "the form went back to the task bar after RestoreOnStop")
+
+        close_to_tray(session, form)
+        check(app.running(), "the close box ended the program")
+        session.click(icon, width // 2, height // 2)
+        poll(lambda: normal(session, form), "a click on the tray icon to bring the form back")
+        time.sleep(0.5)
+        check(normal(session, form), "the form went back to the task bar after a tray click")
+
+    before = set(session.x("xdotool", "search", "--onlyvisible", "--name", "", check_rc=False).split())
     session.click(icon, width // 2, height // 2, button=3)
-    poll(lambda: [w for w in session.windows() if w.id not in before and session.viewable(w.id)],
+    poll(lambda: set(session.x("xdotool", "search", "--onlyvisible", "--name", "", check_rc=False).split()) - before,
          "the tray icon's popup menu")
     # Up from no entry selects the last one, Exit.
     session.x("xdotool", "key", "Up", "Return")

@@ -1,6 +1,7 @@
 // What the end-to-end tests and the whole-program benchmark need of the X
 // server that the stock X tools do not offer:
 //   x11_probe close WINDOW             the close box: WM_DELETE_WINDOW, as a window manager sends it
+//   x11_probe activate WINDOW          _NET_ACTIVE_WINDOW of the root, as a window manager sets it
 //   x11_probe clipboard [TIMEOUT_MS] [SELECTION]
 //       prints the text of the CLIPBOARD (or the named) selection
 //   x11_probe wait-markers COUNT [TIMEOUT_MS]
@@ -149,7 +150,7 @@ int WaitMapped(size_t count, int timeoutMs, Match match) {
 
 int Usage() {
     std::fprintf(stderr,
-                 "usage: x11_probe close WINDOW | clipboard [MS [SELECTION]] | wait-markers COUNT [MS] | wait-title TITLE [MS]\n");
+                 "usage: x11_probe close WINDOW | activate WINDOW | clipboard [MS [SELECTION]] | wait-markers COUNT [MS] | wait-title TITLE [MS]\n");
     return 2;
 }
 
@@ -172,6 +173,12 @@ int main(int argc, char** argv) {
     int rc = 2;
     if (command == "close" && argc >= 3) {
         rc = Close(static_cast<xcb_window_t>(std::strtoul(argv[2], nullptr, 0)));
+    } else if (command == "activate" && argc >= 3) {
+        const auto window = static_cast<xcb_window_t>(std::strtoul(argv[2], nullptr, 0));
+        const xcb_void_cookie_t set = xcb_change_property_checked(
+            conn, XCB_PROP_MODE_REPLACE, screen->root, Atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &window);
+        std::unique_ptr<xcb_generic_error_t, FreeDeleter> error(xcb_request_check(conn, set));
+        rc = error ? 1 : 0;
     } else if (command == "clipboard") {
         rc = Clipboard(timeoutArg(2, 5000), argc > 3 ? argv[3] : "CLIPBOARD");
     } else if (command == "wait-markers" && argc >= 3) {
