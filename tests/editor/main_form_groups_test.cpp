@@ -90,9 +90,6 @@ TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
     WriteDataFile("\xEF\xBB\xBF[Zeta]\r\n[Alpha]\r\n");  // a byte-order mark is no part of the first line
     frm.LoadGroupList();
     EXPECT_EQ(Groups(), (Lines{"Zeta", "Alpha"}));
-    std::filesystem::remove(frm.DataFile);
-    frm.LoadGroupList();
-    EXPECT_EQ(frm.lstGroups.ListCount(), 0);
 }
 
 TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
@@ -115,8 +112,16 @@ TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
     frm.PromptToSave(true);  // asks nothing: no answer is scripted
 }
 
-TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
-    LoadAlpha();
+// A load while showing rebuilds the lines and stops the flashing; the flash
+// timer runs after a load only when its box is checked.
+TEST_F(GroupTest, LoadFillsTableFieldsNotesControlsAndLinesButLosesTheDottedDefault) {
+    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+    frm.Showing = true;
+    frm.FlashPhase = true;
+    frm.timFlashSelected.SetTimerEnabled(true);
+    frm.lstGroups.SetListIndex(0);
+    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
+    EXPECT_FALSE(frm.FlashPhase || frm.timFlashSelected.TimerEnabled());
     EXPECT_EQ(State() + "," + std::to_string(frm.lstMarkers.ListIndex()), "0,0,2,clean,-1");
     EXPECT_EQ(Marker(1), (Row{400, 300, -2, -2, 65280, 3, 60, 0}));
     EXPECT_EQ(Marker(2), (Row{100, 100, 50, 50, -1, -1, -1, -1}));
@@ -127,6 +132,7 @@ TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) 
     EXPECT_FALSE(frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() || frm.scrNudgeX.Enabled());
     // The eighth default lands in column 8; column 12 stays blank and is saved so.
     EXPECT_EQ(std::pair(frm.store.Markers(0, HwndH), frm.chkDottedGrpDef.Value()), std::pair(1, kCheckGrey));
+    frm.Showing = false;
     frm.lstMarkers.ClickItem(1);
     frm.txtHpos.SetText("555");
     frm.txtGroupNotes.SetText("One\r\nTwo");
@@ -135,6 +141,11 @@ TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) 
                                        "1=400,300,-2,-2,65280,3,60,0,", "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta"}));
     EXPECT_EQ(State(), "0,0,2,clean");
+    frm.chkFlashSelected.SetValue(kCheckChecked);
+    overlay.calls.clear();
+    frm.lstGroups.SetListIndex(1);
+    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "ShowAllMarkers"}));
+    EXPECT_TRUE(frm.timFlashSelected.TimerEnabled());
 }
 
 TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
@@ -161,33 +172,31 @@ TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
               std::tuple(2, "8", kCheckChecked, "a\r\n"));
 }
 
-TEST_F(GroupTest, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
-    for (int answer : {vbYes, vbNo}) {
-        SCOPED_TRACE(answer);
+// Leaving a group, for another or for none, asks first; Yes saves the group
+// being left, with the field edits that the leaving takes in.
+TEST_F(GroupTest, LeavingAGroupAsksAndYesSavesItFirst) {
+    const std::tuple<bool, bool, int> cases[] = {  // deselect, showing, answer
+        {false, false, vbYes}, {false, false, vbNo}, {true, false, vbYes}, {true, true, vbNo}};
+    for (const auto& [deselect, showing, answer] : cases) {
+        SCOPED_TRACE(std::to_string(deselect) + std::to_string(showing) + std::to_string(answer));
         LoadAlpha();
-        frm.txtThicknessGrpDef.SetText("7");  // reaches row 0, and Dirty, in the load's update
+        frm.lblMsg.SetCaption("note");
+        frm.txtThicknessGrpDef.SetText("7");
+        frm.Showing = showing;
+        overlay.calls.clear();
         Ask(answer);
-        frm.lstGroups.SetListIndex(1);
+        if (deselect)
+            frm.mnuClearGroupSelection.PerformClick();
+        else
+            frm.lstGroups.SetListIndex(1);
         EXPECT_EQ(dialogs.asked.size(), 1u);
         EXPECT_EQ(Section("Alpha")[1], answer == vbYes ? "Defaults=0,0,200,-1,65280,7,-1,-1," : kAlpha[1]);
-        EXPECT_EQ(State(), "1,1,1,clean");
+        EXPECT_EQ(State() + frm.lblMsg.Caption(), deselect ? "-1,-1,0,clean" : "1,1,1,clean");
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
+        if (!deselect) continue;
+        EXPECT_TRUE(frm.txtThicknessGrpDef.Text().empty() && !frm.cmdSaveGroup.Enabled());
+        EXPECT_EQ(overlay.calls, showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
     }
-}
-
-TEST_F(GroupTest, LoadCallsTheOverlayAndSetsTheFlashTimer) {
-    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
-    frm.Showing = true;
-    frm.FlashPhase = true;
-    frm.timFlashSelected.SetTimerEnabled(true);
-    frm.lstGroups.SetListIndex(0);
-    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
-    EXPECT_FALSE(frm.FlashPhase || frm.timFlashSelected.TimerEnabled());  // chkFlashSelected is unchecked
-    frm.Showing = false;
-    frm.chkFlashSelected.SetValue(kCheckChecked);
-    overlay.calls.clear();
-    frm.lstGroups.SetListIndex(1);
-    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "ShowAllMarkers"}));
-    EXPECT_TRUE(frm.timFlashSelected.TimerEnabled());
 }
 
 // A failed load leaves what it had done: the error comes out of the click.
@@ -306,24 +315,6 @@ TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
     EXPECT_TRUE(frm.Showing && frm.ActiveControl() == &frm.cmdAddMarker);
     EXPECT_FALSE(frm.cmdSaveGroup.Enabled() || frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() ||
                  frm.scrNudgeX.Enabled() || frm.scrNudgeW.Enabled() || frm.mnuRenGroup.Enabled());
-}
-
-TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
-    for (bool showing : {false, true}) {
-        LoadAlpha();
-        frm.lblMsg.SetCaption("note");
-        const std::string thickness = showing ? "9" : "11";
-        frm.txtThicknessGrpDef.SetText(thickness);
-        frm.Showing = showing;
-        overlay.calls.clear();
-        Ask(vbYes);
-        frm.mnuClearGroupSelection.PerformClick();
-        EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280," + thickness + ",-1,-1,");
-        EXPECT_EQ(State() + frm.lblMsg.Caption() + frm.txtThicknessGrpDef.Text(), "-1,-1,0,clean");
-        EXPECT_FALSE(frm.cmdSaveGroup.Enabled());
-        EXPECT_EQ(overlay.calls, showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
-        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
-    }
 }
 
 TEST_F(GroupTest, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {

@@ -18,6 +18,7 @@ namespace ostrivane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
+using namespace std::string_literals;
 constexpr char kGuard[] = "AcquireInstance iOstrivanei";
 
 // The data directory lies one level down, so that a start that touches
@@ -54,28 +55,23 @@ protected:
     MainForm frm{dialogs, overlay, desktop};
 };
 
-// A second copy forwards its trimmed, lower-cased command line, or says
-// sorry without one, and ends before any file is touched.
-TEST_F(StartupTest, SecondCopyForwardsOrSaysSorryAndEnds) {
+// "/quit" in any spelling ends the start; a second copy forwards its
+// trimmed, lower-cased command line, or says sorry without one. Neither
+// touches a file.
+TEST_F(StartupTest, QuitOrASecondCopyEndsBeforeAnyFileIsTouched) {
+    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) EXPECT_FALSE(frm.Form_Load(line)) << line;
+    EXPECT_TRUE(frm.InstanceGuard.owned && dialogs.asked.empty());
     desktop.instanceFree = false;
     dialogs.msgBoxAnswers = {vbOK};
     EXPECT_FALSE(frm.Form_Load("   \"My GROUP\" two  "));
     EXPECT_FALSE(frm.Form_Load("    "));
-    EXPECT_EQ(desktop.calls, (Lines{kGuard, "ForwardCommand iOstrivanei", kGuard}));
+    EXPECT_EQ(desktop.calls, (Lines{kGuard, kGuard, kGuard, kGuard, "ForwardCommand iOstrivanei", kGuard}));
     EXPECT_EQ(desktop.forwarded, (Lines{"\"my group\" two"}));
     ASSERT_EQ(dialogs.asked.size(), 1u);
     EXPECT_EQ(dialogs.asked[0].prompt + "|" + std::to_string(dialogs.asked[0].flags) + "|" + dialogs.asked[0].title,
               "Sorry, another copy of this app is already running|64|Ostrivane");
-    EXPECT_FALSE(std::filesystem::exists(DataDir()));
-    EXPECT_EQ(frm.Caption(), "Ostrivane");
-}
-
-TEST_F(StartupTest, QuitInAnySpellingEndsBeforeAnyFileIsTouched) {
-    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) EXPECT_FALSE(frm.Form_Load(line)) << line;
-    EXPECT_TRUE(frm.InstanceGuard.owned);
-    EXPECT_EQ(desktop.calls, (Lines{kGuard, kGuard, kGuard}));
-    EXPECT_TRUE(dialogs.asked.empty());
     EXPECT_FALSE(std::filesystem::exists(DataDir()) || frm.Visible());
+    EXPECT_EQ(frm.Caption(), "Ostrivane");
 }
 
 // The program's file names the data file, the help text and the message box.
@@ -124,7 +120,8 @@ TEST_F(StartupOrdered, CaptionMetricsFormAndTrayInTheirOrder) {
 }
 
 // Thickness, the three boxes, stay on top, proximity: as read from the file.
-TEST_F(StartupTest, SettingsReadFromTheDefaultsSection) {
+// The groups are listed, none is loaded.
+TEST_F(StartupTest, SettingsReadFromTheDefaultsSectionAndGroupsListed) {
     const std::pair<const char*, std::vector<int>> rows[] = {
         {"", {1, 0, 0, 1, 0, 10}},
         {"AddMarkerThickness=3\r\nCopyCurrOnAdd=1\r\nFlashSelected=1\r\nAllowGrabMarkers=0\r\nStayOnTop=1\r\n"
@@ -134,32 +131,27 @@ TEST_F(StartupTest, SettingsReadFromTheDefaultsSection) {
     };
     for (const auto& [lines, values] : rows) {
         SCOPED_TRACE(lines);
-        WriteDefaults(lines);
+        WriteDefaults(lines + "[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n"s);
         fakes::FakeDesktop t;
         MainForm f(dialogs, overlay, t);
         f.settings = &settings;
+        f.CurrentGroup = 3;
         ASSERT_TRUE(f.Form_Load(""));
         EXPECT_EQ((std::vector<int>{f.AddMarkerThickness, f.chkCopyCurrOnAdd.Value(), f.chkFlashSelected.Value(),
                                     f.chkAllowGrabMarkers.Value(), f.mnuStayOnTop.Checked(), f.GrabProximity}),
                   values);
         EXPECT_EQ(f.mnuFlashSelected.Checked(), values[2] != 0);
         EXPECT_EQ(t.calls[1], std::string("SetTopmost frmMain ") + (values[4] ? "on" : "off"));
+        EXPECT_EQ(std::make_tuple(f.lstGroups.ListCount(), f.lstGroups.ListIndex(), f.CurrentGroup, f.store.MarkerCount),
+                  std::make_tuple(2, -1, -1, 0));
+        EXPECT_FALSE(f.Loading);
     }
-}
-
-TEST_F(StartupTest, GroupsListedNoneLoadedAndBadValuesAreUntrapped) {
-    WriteDefaults("[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n");
-    frm.CurrentGroup = 3;
-    ASSERT_TRUE(frm.Form_Load(""));
-    EXPECT_EQ(frm.lstGroups.ListCount(), 2);
-    EXPECT_EQ(std::make_tuple(frm.lstGroups.ListIndex(), frm.CurrentGroup, frm.store.MarkerCount), std::make_tuple(-1, -1, 0));
-    EXPECT_FALSE(frm.Loading);
-    const std::tuple<const char*, int> rows[] = {
+    const std::tuple<const char*, int> bad[] = {
         {"CopyCurrOnAdd=yes\r\n", kTypeMismatch},
         {"AllowGrabMarkers=5\r\n", form::kInvalidPropertyValue},
         {"GrabProximity=40000\r\n", kOverflow},
     };
-    for (const auto& [lines, error] : rows) {
+    for (const auto& [lines, error] : bad) {
         WriteDefaults(lines);
         EXPECT_EQ(ErrorOf([&] { frm.LoadSettings(); }), error) << lines;
     }
