@@ -1,6 +1,5 @@
 // Start-up and shutdown through the fakes: the single-instance guard, the
-// order of the start, the settings of the form, the close box, the exit and
-// the stay-on-top switch.
+// order of the start, the settings of the form, the exit, stay on top.
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -92,7 +91,6 @@ TEST_F(StartupTest, FirstRunCreatesTheDataFileNamedAfterTheProgram) {
     // The grab box starts unchecked; its default of 1 clicks it, and its click writes the key.
     EXPECT_TRUE(ReadDataFile().starts_with("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=3200x1080\r\nPC="));
     EXPECT_TRUE(ReadDataFile().ends_with("\r\nAllowGrabMarkers=1\r\n"));
-    EXPECT_EQ(frm.lstGroups.ListCount(), 0);
     dialogs.msgBoxAnswers = {vbOK};
     frm.mnuHelpHelp.PerformClick();
     EXPECT_TRUE(dialogs.asked.back().prompt.starts_with("Commandline:   marker-tool.exe  [options]\r\n"));
@@ -166,29 +164,20 @@ TEST_F(StartupTest, GroupOnTheCommandLineIsLoadedAndShown) {
     EXPECT_EQ(std::make_tuple(frm.CurrentGroup, frm.store.MarkerCount, frm.Showing), std::make_tuple(0, 1, true));
 }
 
-class Shutdown : public StartupOrdered {
-protected:
-    Shutdown() {
-        frm.Showing = true;
-        frm.MouseMode = 2;
-        frm.TrayIconCreated = true;
-        frm.InstanceGuard.owned = true;
-    }
-};
-
-TEST_F(Shutdown, TrayExitDestroysTheLinesBeforeAskingThenEnds) {
-    frm.Dirty = true;
+// The lines go before the question; the icon and the guard are given back
+// only when held, and a step that fails does not stop the next.
+TEST_F(StartupOrdered, ExitDestroysTheLinesAsksAndGivesBackWhatItHolds) {
+    frm.Showing = frm.Dirty = true;
+    frm.MouseMode = 2;
+    frm.TrayIconCreated = frm.InstanceGuard.owned = true;
     dialogs.msgBoxAnswers = {vbNo};
     frm.mnuPopupExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows",
                           "MsgBox There are unsaved changes. Save now (or they will be lost)?",
                           "UnregisterMarkerClasses", "RemoveTrayIcon", "ReleaseInstance", "EndProgram"}));
     EXPECT_TRUE(!frm.Showing && frm.Unloading && frm.MouseMode == 0 && !frm.InstanceGuard.owned);
-}
-
-TEST_F(Shutdown, NothingToGiveBackWithoutIconOrGuardAndFailuresSkipStepByStep) {
+    log.clear();
     frm.TrayIconCreated = false;
-    frm.InstanceGuard.owned = false;
     frm.mnuExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows", "UnregisterMarkerClasses", "EndProgram"}));
     log.clear();

@@ -69,19 +69,16 @@ TEST_F(DataFileTest, InitCreatesAMissingOrEmptyFileAndTellsWhyOthersCannotServe)
     EXPECT_FALSE(fs::exists(leftover));
 }
 
-// A second start leaves an existing file alone and writes nothing more.
-TEST_F(DataFileTest, FirstRunWritesTheKeysInOrder) {
+// The start writes ScreenRes and PC when missing, ScreenRes only for known
+// metrics, and leaves those that are there alone.
+TEST_F(DataFileTest, ScreenResAndPcAreWrittenOnceAndOnlyWhenKnown) {
+    const std::string file = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
+    LoadGlobalDefaults(defaults, file, screen, false);
+    EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
     for (int start = 1; start <= 2; ++start) {
-        const std::string file = InitDataFile(settings);
         LoadGlobalDefaults(defaults, file, screen, true);
-        EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1920x1080\r\nPC=" +
-                                       lib_GetComputerName() + "\r\n");
+        EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\nScreenRes=1920x1080\r\n");
     }
-    // ScreenRes waits for known metrics
-    const std::string given = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
-    LoadGlobalDefaults(defaults, given, screen, false);
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "ScreenRes", "?", given) + lib_ProfileGetString("Defaults", "PC", "", given),
-              "?box");
 }
 
 // Format 0 leaves Dotted as it was; format 1 puts part 7 in Dotted and, one
