@@ -17,7 +17,6 @@
 #include "support/scoped_env.hpp"
 #include "support/temp_dir.hpp"
 
-namespace ostrivane {
 namespace {
 
 // Where every fsync goes while a test listens: the path that the descriptor
@@ -25,13 +24,11 @@ namespace {
 std::vector<std::string>* synced = nullptr;
 
 }  // namespace
-}  // namespace ostrivane
 
 extern "C" int fsync(int fd) {
     static const auto real = reinterpret_cast<int (*)(int)>(dlsym(RTLD_NEXT, "fsync"));
     std::error_code ec;
-    if (ostrivane::synced)
-        ostrivane::synced->push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), ec));
+    if (synced) synced->push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), ec));
     return real(fd);
 }
 
