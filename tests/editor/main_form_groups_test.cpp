@@ -26,7 +26,6 @@ const Lines kBeta = {"DataFormat=1", "Defaults=0,0,-1,-1,-1,-1,-1,-1,", "1=10,20
 
 class GroupTest : public MainFormTest {
 protected:
-    // Writes [Defaults] and the given groups with CR LF, then lists them.
     void Setup(const std::vector<std::pair<std::string, Lines>>& groups) {
         std::string text = "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n";
         for (const auto& [name, lines] : groups) {
@@ -36,12 +35,10 @@ protected:
         WriteDataFile(text);
         frm.LoadGroupList();
     }
-    // Alpha and Beta listed, and Alpha loaded.
     void LoadAlpha() {
         Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
         frm.lstGroups.SetListIndex(0);
     }
-    // Lines split at delimiter; "[name]" lines only, as names, when headers.
     static Lines Split(const std::string& text, char delimiter, bool headers = false) {
         Lines lines;
         std::istringstream in(text);
@@ -71,7 +68,6 @@ protected:
         for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) v.push_back(frm.store.Markers(r, c));
         return v;
     }
-    // Loads a one-group file whose section is lines, and reports the error.
     int LoadOnly(const Lines& lines) {
         Setup({{"G", lines}});
         return ErrorOf([&] { frm.lstGroups.SetListIndex(0); });
@@ -84,39 +80,21 @@ TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
     frm.LoadGroupList();
     EXPECT_EQ(Groups(), (Lines{"Zeta", "defaults", "Odd]", "", "", "Alpha"}));
     EXPECT_EQ(frm.store.Markers(0, Thickness), kBlank);  // the group defaults were cleared
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "Odd]"), 2);
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, "zeta"), -1);  // exact
-    EXPECT_EQ(MainForm::FindInList(frm.lstGroups, ""), 3);
     WriteDataFile("\xEF\xBB\xBF[Zeta]\r\n[Alpha]\r\n");  // a byte-order mark is no part of the first line
     frm.LoadGroupList();
     EXPECT_EQ(Groups(), (Lines{"Zeta", "Alpha"}));
-    std::filesystem::remove(frm.DataFile);
-    frm.LoadGroupList();
-    EXPECT_EQ(frm.lstGroups.ListCount(), 0);
 }
 
-TEST_F(GroupTest, SavePromptAnswersDecideSaveAndDirty) {
-    struct Case { bool allowCancel; int answer, flags; bool saved, dirtyAfter; };
-    const Case cases[] = {{false, vbYes, 36, true, false}, {false, vbNo, 36, false, false}, {true, vbYes, 35, true, false},
-                          {true, vbNo, 35, false, false},  {true, vbCancel, 35, false, true}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.answer);
-        LoadAlpha();
-        frm.store.Markers(1, Hpos) = 999;
-        frm.Dirty = true;
-        Ask(c.answer);
-        frm.PromptToSave(c.allowCancel);
-        ASSERT_EQ(dialogs.asked.size(), 1u);
-        EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].title + "|" + std::to_string(dialogs.asked[0].flags),
-                  "There are unsaved changes. Save now (or they will be lost)?|Ostrivane|" + std::to_string(c.flags));
-        EXPECT_EQ(std::pair(Section("Alpha")[2] == "1=999,300,-2,-2,65280,3,60,0,", frm.Dirty), std::pair(c.saved, c.dirtyAfter));
-    }
-    frm.Dirty = false;
-    frm.PromptToSave(true);  // asks nothing: no answer is scripted
-}
-
-TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) {
-    LoadAlpha();
+// A load while showing rebuilds the lines and stops the flashing; the flash
+// timer runs after a load only when its box is checked.
+TEST_F(GroupTest, LoadFillsTableFieldsNotesControlsAndLinesButLosesTheDottedDefault) {
+    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+    frm.Showing = true;
+    frm.FlashPhase = true;
+    frm.timFlashSelected.SetTimerEnabled(true);
+    frm.lstGroups.SetListIndex(0);
+    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
+    EXPECT_FALSE(frm.FlashPhase || frm.timFlashSelected.TimerEnabled());
     EXPECT_EQ(State() + "," + std::to_string(frm.lstMarkers.ListIndex()), "0,0,2,clean,-1");
     EXPECT_EQ(Marker(1), (Row{400, 300, -2, -2, 65280, 3, 60, 0}));
     EXPECT_EQ(Marker(2), (Row{100, 100, 50, 50, -1, -1, -1, -1}));
@@ -127,6 +105,7 @@ TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) 
     EXPECT_FALSE(frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() || frm.scrNudgeX.Enabled());
     // The eighth default lands in column 8; column 12 stays blank and is saved so.
     EXPECT_EQ(std::pair(frm.store.Markers(0, HwndH), frm.chkDottedGrpDef.Value()), std::pair(1, kCheckGrey));
+    frm.Showing = false;
     frm.lstMarkers.ClickItem(1);
     frm.txtHpos.SetText("555");
     frm.txtGroupNotes.SetText("One\r\nTwo");
@@ -135,54 +114,6 @@ TEST_F(GroupTest, LoadFillsTableFieldsNotesAndControlsButLosesTheDottedDefault) 
                                        "1=400,300,-2,-2,65280,3,60,0,", "2=555,100,50,50,-1,-1,-1,-1,", "Notes=One\xffTwo"}));
     EXPECT_EQ(Headers(), (Lines{"Defaults", "Alpha", "Beta"}));
     EXPECT_EQ(State(), "0,0,2,clean");
-}
-
-TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCount) {
-    const Row dottedBlank{1, 2, 3, 4, 5, 7, 9, -1}, dottedOne{1, 2, 3, 4, 5, 7, 9, 1};
-    const std::pair<Lines, std::vector<Row>> cases[] = {
-        {{"1=1,2,3,4,5,7,9,"}, {dottedBlank}},                  // format 0, trailing comma: 8 parts
-        {{"1=1,2,3,4,5,7,9"}, {}},                              // format 0, no trailing comma
-        {{"1=1,2,3,4,5,7,9,1,"}, {}},                           // format 0 with a dotted value
-        {{"DataFormat=1", "1=1,2,3,4,5,7,9,1,"}, {dottedOne}},  // format 1, 9 parts
-        {{"DataFormat=1", "1=1,2,3,4,5,7,9,"}, {}},             // format 1, 8 parts
-        {{"DataFormat=2", "1=1,2,3,4,5,7,9,1,"}, {}},           // unknown format
-        {{"1=1,2,3,4,5,7,9,", "DataFormat=1", "9=1,2,3,4,5,7,9,1,"}, {dottedBlank, dottedOne}},
-        {{"DataFormat=1", "7=1,2,3,4,5,7,9,1,", "3=1,2,3,4,5,7,9,"}, {dottedOne}},  // keys are not read
-    };
-    for (const auto& [lines, rows] : cases) {
-        SCOPED_TRACE(lines.back());
-        ASSERT_EQ(LoadOnly(lines), 0);
-        ASSERT_EQ(frm.store.MarkerCount, static_cast<std::int16_t>(rows.size()));
-        for (std::size_t r = 0; r < rows.size(); ++r) EXPECT_EQ(Marker(static_cast<int>(r) + 1), rows[r]);
-    }
-    // an unknown format still loads the defaults and the notes; the twelfth value reaches column 12
-    ASSERT_EQ(LoadOnly({"DataFormat=2", "Defaults=0,0,9,8,7,5,3,0,0,0,0,1,", "1=1,2,3,4,5,6,7,1,", "Notes=a\xff"}), 0);
-    EXPECT_EQ(std::tuple(frm.GroupFormat, frm.txtVlenGrpDef.Text(), frm.chkDottedGrpDef.Value(), frm.txtGroupNotes.Text()),
-              std::tuple(2, "8", kCheckChecked, "a\r\n"));
-}
-
-TEST_F(GroupTest, SwitchingAsksAndYesSavesTheGroupBeingLeft) {
-    for (int answer : {vbYes, vbNo}) {
-        SCOPED_TRACE(answer);
-        LoadAlpha();
-        frm.txtThicknessGrpDef.SetText("7");  // reaches row 0, and Dirty, in the load's update
-        Ask(answer);
-        frm.lstGroups.SetListIndex(1);
-        EXPECT_EQ(dialogs.asked.size(), 1u);
-        EXPECT_EQ(Section("Alpha")[1], answer == vbYes ? "Defaults=0,0,200,-1,65280,7,-1,-1," : kAlpha[1]);
-        EXPECT_EQ(State(), "1,1,1,clean");
-    }
-}
-
-TEST_F(GroupTest, LoadCallsTheOverlayAndSetsTheFlashTimer) {
-    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
-    frm.Showing = true;
-    frm.FlashPhase = true;
-    frm.timFlashSelected.SetTimerEnabled(true);
-    frm.lstGroups.SetListIndex(0);
-    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "DestroyAllMarkerWindows", "ShowAllMarkers"}));
-    EXPECT_FALSE(frm.FlashPhase || frm.timFlashSelected.TimerEnabled());  // chkFlashSelected is unchecked
-    frm.Showing = false;
     frm.chkFlashSelected.SetValue(kCheckChecked);
     overlay.calls.clear();
     frm.lstGroups.SetListIndex(1);
@@ -190,20 +121,83 @@ TEST_F(GroupTest, LoadCallsTheOverlayAndSetsTheFlashTimer) {
     EXPECT_TRUE(frm.timFlashSelected.TimerEnabled());
 }
 
-// A failed load leaves what it had done: the error comes out of the click.
-TEST_F(GroupTest, LoadFailureLeavesTheGroupPartlyLoaded) {
+// A load that fails leaves what it had done: the error comes out of the click.
+TEST_F(GroupTest, LoadTakesMarkerLinesByFormatAndPartCountAndStopsAtAnError) {
+    const Row dottedBlank{1, 2, 3, 4, 5, 7, 9, -1}, dottedOne{1, 2, 3, 4, 5, 7, 9, 1};
+    const std::tuple<Lines, int, std::vector<Row>> cases[] = {
+        {{"1=1,2,3,4,5,7,9,"}, 0, {dottedBlank}},                  // format 0, trailing comma: 8 parts
+        {{"1=1,2,3,4,5,7,9"}, 0, {}},                              // format 0, no trailing comma
+        {{"1=1,2,3,4,5,7,9,1,"}, 0, {}},                           // format 0 with a dotted value
+        {{"DataFormat=1", "1=1,2,3,4,5,7,9,1,"}, 0, {dottedOne}},  // format 1, 9 parts
+        {{"DataFormat=1", "1=1,2,3,4,5,7,9,"}, 0, {}},             // format 1, 8 parts
+        {{"DataFormat=2", "1=1,2,3,4,5,7,9,1,"}, 0, {}},           // unknown format
+        {{"1=1,2,3,4,5,7,9,", "DataFormat=1", "9=1,2,3,4,5,7,9,1,"}, 0, {dottedBlank, dottedOne}},
+        {{"DataFormat=1", "7=1,2,3,4,5,7,9,1,", "3=1,2,3,4,5,7,9,"}, 0, {dottedOne}},  // keys are not read
+        {{"1=1,2,3,4,5,7,9,", "2=1,2,x,4,5,7,9,"}, kTypeMismatch, {dottedBlank}},
+        {{"DataFormat=one"}, kTypeMismatch, {}},
+    };
+    for (const auto& [lines, error, rows] : cases) {
+        SCOPED_TRACE(lines.back());
+        ASSERT_EQ(LoadOnly(lines), error);
+        ASSERT_EQ(frm.store.MarkerCount, static_cast<std::int16_t>(rows.size()));
+        for (std::size_t r = 0; r < rows.size(); ++r) EXPECT_EQ(Marker(static_cast<int>(r) + 1), rows[r]);
+    }
+    // an unknown format still loads the defaults and the notes; the twelfth value reaches column 12
+    ASSERT_EQ(LoadOnly({"DataFormat=2", "Defaults=0,0,9,8,7,5,3,0,0,0,0,1,", "1=1,2,3,4,5,6,7,1,", "Notes=a\xff"}), 0);
+    EXPECT_EQ(std::tuple(frm.GroupFormat, frm.txtVlenGrpDef.Text(), frm.chkDottedGrpDef.Value(), frm.txtGroupNotes.Text()),
+              std::tuple(2, "8", kCheckChecked, "a\r\n"));
     EXPECT_EQ(LoadOnly({"DataFormat=1", "Defaults=0,0,150,x,-1,-1,-1,-1,", "1=1,2,3,4,5,7,9,1,"}), kTypeMismatch);
     EXPECT_EQ(State(), "0,0,0,clean");
     EXPECT_EQ(std::pair(frm.store.Markers(0, Hlen), frm.store.Markers(0, Vlen)), std::pair(150, kBlank));
     EXPECT_EQ(frm.txtHlenGrpDef.Text(), "");  // the fields were not filled yet
     EXPECT_EQ(LoadOnly({"Defaults=1,2,3,4,5,6,7,8,9,10,11,1,13,"}), kSubscriptOutOfRange);
     EXPECT_EQ(frm.store.Markers(0, Dotted), 1);  // written before column 13 failed
-    EXPECT_EQ(LoadOnly({"1=1,2,3,4,5,7,9,", "2=1,2,x,4,5,7,9,"}) + frm.store.MarkerCount, kTypeMismatch + 1);
-    EXPECT_EQ(LoadOnly({"DataFormat=one"}), kTypeMismatch);
     Lines many;
     for (int i = 1; i <= 51; ++i) many.push_back(std::to_string(i) + "=" + std::to_string(i) + ",2,3,4,5,7,9,");
     EXPECT_EQ(LoadOnly(many), kSubscriptOutOfRange);
     EXPECT_EQ(std::pair(frm.lstMarkers.ListCount(), frm.store.Markers(50, Hpos)), std::pair(50, 50));
+}
+
+// Leaving a group, for another or for none, asks as the prompt does: Yes
+// saves the group being left, with the field edits that leaving takes in;
+// Cancel, where offered, keeps Dirty.
+TEST_F(GroupTest, PromptOrLeavingAGroupAsksAndYesSavesItFirst) {
+    enum How { Prompt, PromptWithCancel, Select, Deselect };
+    struct Case { How how; int answer; const char* state; bool showing = false; };
+    const Case cases[] = {{Prompt, vbYes, "0,0,2,clean|note"},           {Prompt, vbNo, "0,0,2,clean|note"},
+                          {PromptWithCancel, vbYes, "0,0,2,clean|note"}, {PromptWithCancel, vbNo, "0,0,2,clean|note"},
+                          {PromptWithCancel, vbCancel, "0,0,2,dirty|note"}, {Select, vbYes, "1,1,1,clean|"},
+                          {Select, vbNo, "1,1,1,clean|"},                {Deselect, vbYes, "-1,-1,0,clean|"},
+                          {Deselect, vbNo, "-1,-1,0,clean|", true}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.how) + " " + std::to_string(c.answer));
+        frm.Dirty = false;
+        LoadAlpha();
+        frm.lblMsg.SetCaption("note");
+        frm.txtThicknessGrpDef.SetText("7");
+        frm.Dirty = true;
+        frm.Showing = c.showing;
+        overlay.calls.clear();
+        Ask(c.answer);
+        if (c.how == Select)
+            frm.lstGroups.SetListIndex(1);
+        else if (c.how == Deselect)
+            frm.mnuClearGroupSelection.PerformClick();
+        else
+            frm.PromptToSave(c.how == PromptWithCancel);
+        ASSERT_EQ(dialogs.asked.size(), 1u);
+        EXPECT_EQ(dialogs.asked[0].prompt + "|" + dialogs.asked[0].title + "|" + std::to_string(dialogs.asked[0].flags),
+                  "There are unsaved changes. Save now (or they will be lost)?|Ostrivane|" +
+                      std::string(c.how == PromptWithCancel ? "35" : "36"));
+        EXPECT_EQ(Section("Alpha")[1], c.answer == vbYes ? "Defaults=0,0,200,-1,65280,7,-1,-1," : kAlpha[1]);
+        EXPECT_EQ(State() + "|" + frm.lblMsg.Caption(), c.state);
+        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
+        if (c.how != Deselect) continue;
+        EXPECT_TRUE(frm.txtThicknessGrpDef.Text().empty() && !frm.cmdSaveGroup.Enabled());
+        EXPECT_EQ(overlay.calls, c.showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
+    }
+    frm.Dirty = false;
+    frm.PromptToSave(true);  // asks nothing: no answer is scripted
 }
 
 // With no group loaded a save asks for a name. A listed name is overwritten
@@ -306,24 +300,6 @@ TEST_F(GroupTest, DeleteRemovesTheSectionAndDisablesTheControls) {
     EXPECT_TRUE(frm.Showing && frm.ActiveControl() == &frm.cmdAddMarker);
     EXPECT_FALSE(frm.cmdSaveGroup.Enabled() || frm.txtHpos.Enabled() || frm.cmdDelMarker.Enabled() ||
                  frm.scrNudgeX.Enabled() || frm.scrNudgeW.Enabled() || frm.mnuRenGroup.Enabled());
-}
-
-TEST_F(GroupTest, DeselectAsksSavesToTheOldGroupAndEmptiesTheForm) {
-    for (bool showing : {false, true}) {
-        LoadAlpha();
-        frm.lblMsg.SetCaption("note");
-        const std::string thickness = showing ? "9" : "11";
-        frm.txtThicknessGrpDef.SetText(thickness);
-        frm.Showing = showing;
-        overlay.calls.clear();
-        Ask(vbYes);
-        frm.mnuClearGroupSelection.PerformClick();
-        EXPECT_EQ(Section("Alpha")[1], "Defaults=0,0,200,-1,65280," + thickness + ",-1,-1,");
-        EXPECT_EQ(State() + frm.lblMsg.Caption() + frm.txtThicknessGrpDef.Text(), "-1,-1,0,clean");
-        EXPECT_FALSE(frm.cmdSaveGroup.Enabled());
-        EXPECT_EQ(overlay.calls, showing ? Lines{"DestroyAllMarkerWindows"} : Lines{});
-        EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta"}));
-    }
 }
 
 TEST_F(GroupTest, MenuEntriesValidateTheFocusedFieldBeforeTheirWork) {

@@ -1,6 +1,5 @@
 // Start-up and shutdown through the fakes: the single-instance guard, the
-// order of the start, the settings of the form, the close box, the exit and
-// the stay-on-top switch.
+// order of the start, the settings of the form, the exit, stay on top.
 #include <filesystem>
 #include <string>
 #include <tuple>
@@ -18,6 +17,7 @@ namespace ostrivane::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
+using namespace std::string_literals;
 constexpr char kGuard[] = "AcquireInstance iOstrivanei";
 
 // The data directory lies one level down, so that a start that touches
@@ -54,28 +54,23 @@ protected:
     MainForm frm{dialogs, overlay, desktop};
 };
 
-// A second copy forwards its trimmed, lower-cased command line, or says
-// sorry without one, and ends before any file is touched.
-TEST_F(StartupTest, SecondCopyForwardsOrSaysSorryAndEnds) {
+// "/quit" in any spelling ends the start; a second copy forwards its
+// trimmed, lower-cased command line, or says sorry without one. Neither
+// touches a file.
+TEST_F(StartupTest, QuitOrASecondCopyEndsBeforeAnyFileIsTouched) {
+    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) EXPECT_FALSE(frm.Form_Load(line)) << line;
+    EXPECT_TRUE(frm.InstanceGuard.owned && dialogs.asked.empty());
     desktop.instanceFree = false;
     dialogs.msgBoxAnswers = {vbOK};
     EXPECT_FALSE(frm.Form_Load("   \"My GROUP\" two  "));
     EXPECT_FALSE(frm.Form_Load("    "));
-    EXPECT_EQ(desktop.calls, (Lines{kGuard, "ForwardCommand iOstrivanei", kGuard}));
+    EXPECT_EQ(desktop.calls, (Lines{kGuard, kGuard, kGuard, kGuard, "ForwardCommand iOstrivanei", kGuard}));
     EXPECT_EQ(desktop.forwarded, (Lines{"\"my group\" two"}));
     ASSERT_EQ(dialogs.asked.size(), 1u);
     EXPECT_EQ(dialogs.asked[0].prompt + "|" + std::to_string(dialogs.asked[0].flags) + "|" + dialogs.asked[0].title,
               "Sorry, another copy of this app is already running|64|Ostrivane");
-    EXPECT_FALSE(std::filesystem::exists(DataDir()));
-    EXPECT_EQ(frm.Caption(), "Ostrivane");
-}
-
-TEST_F(StartupTest, QuitInAnySpellingEndsBeforeAnyFileIsTouched) {
-    for (const char* line : {"/quit", "/QUIT  ", "  /Quit"}) EXPECT_FALSE(frm.Form_Load(line)) << line;
-    EXPECT_TRUE(frm.InstanceGuard.owned);
-    EXPECT_EQ(desktop.calls, (Lines{kGuard, kGuard, kGuard}));
-    EXPECT_TRUE(dialogs.asked.empty());
     EXPECT_FALSE(std::filesystem::exists(DataDir()) || frm.Visible());
+    EXPECT_EQ(frm.Caption(), "Ostrivane");
 }
 
 // The program's file names the data file, the help text and the message box.
@@ -96,7 +91,6 @@ TEST_F(StartupTest, FirstRunCreatesTheDataFileNamedAfterTheProgram) {
     // The grab box starts unchecked; its default of 1 clicks it, and its click writes the key.
     EXPECT_TRUE(ReadDataFile().starts_with("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=3200x1080\r\nPC="));
     EXPECT_TRUE(ReadDataFile().ends_with("\r\nAllowGrabMarkers=1\r\n"));
-    EXPECT_EQ(frm.lstGroups.ListCount(), 0);
     dialogs.msgBoxAnswers = {vbOK};
     frm.mnuHelpHelp.PerformClick();
     EXPECT_TRUE(dialogs.asked.back().prompt.starts_with("Commandline:   marker-tool.exe  [options]\r\n"));
@@ -124,7 +118,8 @@ TEST_F(StartupOrdered, CaptionMetricsFormAndTrayInTheirOrder) {
 }
 
 // Thickness, the three boxes, stay on top, proximity: as read from the file.
-TEST_F(StartupTest, SettingsReadFromTheDefaultsSection) {
+// The groups are listed, none is loaded.
+TEST_F(StartupTest, SettingsReadFromTheDefaultsSectionAndGroupsListed) {
     const std::pair<const char*, std::vector<int>> rows[] = {
         {"", {1, 0, 0, 1, 0, 10}},
         {"AddMarkerThickness=3\r\nCopyCurrOnAdd=1\r\nFlashSelected=1\r\nAllowGrabMarkers=0\r\nStayOnTop=1\r\n"
@@ -134,32 +129,27 @@ TEST_F(StartupTest, SettingsReadFromTheDefaultsSection) {
     };
     for (const auto& [lines, values] : rows) {
         SCOPED_TRACE(lines);
-        WriteDefaults(lines);
+        WriteDefaults(lines + "[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n"s);
         fakes::FakeDesktop t;
         MainForm f(dialogs, overlay, t);
         f.settings = &settings;
+        f.CurrentGroup = 3;
         ASSERT_TRUE(f.Form_Load(""));
         EXPECT_EQ((std::vector<int>{f.AddMarkerThickness, f.chkCopyCurrOnAdd.Value(), f.chkFlashSelected.Value(),
                                     f.chkAllowGrabMarkers.Value(), f.mnuStayOnTop.Checked(), f.GrabProximity}),
                   values);
         EXPECT_EQ(f.mnuFlashSelected.Checked(), values[2] != 0);
         EXPECT_EQ(t.calls[1], std::string("SetTopmost frmMain ") + (values[4] ? "on" : "off"));
+        EXPECT_EQ(std::make_tuple(f.lstGroups.ListCount(), f.lstGroups.ListIndex(), f.CurrentGroup, f.store.MarkerCount),
+                  std::make_tuple(2, -1, -1, 0));
+        EXPECT_FALSE(f.Loading);
     }
-}
-
-TEST_F(StartupTest, GroupsListedNoneLoadedAndBadValuesAreUntrapped) {
-    WriteDefaults("[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n");
-    frm.CurrentGroup = 3;
-    ASSERT_TRUE(frm.Form_Load(""));
-    EXPECT_EQ(frm.lstGroups.ListCount(), 2);
-    EXPECT_EQ(std::make_tuple(frm.lstGroups.ListIndex(), frm.CurrentGroup, frm.store.MarkerCount), std::make_tuple(-1, -1, 0));
-    EXPECT_FALSE(frm.Loading);
-    const std::tuple<const char*, int> rows[] = {
+    const std::tuple<const char*, int> bad[] = {
         {"CopyCurrOnAdd=yes\r\n", kTypeMismatch},
         {"AllowGrabMarkers=5\r\n", form::kInvalidPropertyValue},
         {"GrabProximity=40000\r\n", kOverflow},
     };
-    for (const auto& [lines, error] : rows) {
+    for (const auto& [lines, error] : bad) {
         WriteDefaults(lines);
         EXPECT_EQ(ErrorOf([&] { frm.LoadSettings(); }), error) << lines;
     }
@@ -174,29 +164,20 @@ TEST_F(StartupTest, GroupOnTheCommandLineIsLoadedAndShown) {
     EXPECT_EQ(std::make_tuple(frm.CurrentGroup, frm.store.MarkerCount, frm.Showing), std::make_tuple(0, 1, true));
 }
 
-class Shutdown : public StartupOrdered {
-protected:
-    Shutdown() {
-        frm.Showing = true;
-        frm.MouseMode = 2;
-        frm.TrayIconCreated = true;
-        frm.InstanceGuard.owned = true;
-    }
-};
-
-TEST_F(Shutdown, TrayExitDestroysTheLinesBeforeAskingThenEnds) {
-    frm.Dirty = true;
+// The lines go before the question; the icon and the guard are given back
+// only when held, and a step that fails does not stop the next.
+TEST_F(StartupOrdered, ExitDestroysTheLinesAsksAndGivesBackWhatItHolds) {
+    frm.Showing = frm.Dirty = true;
+    frm.MouseMode = 2;
+    frm.TrayIconCreated = frm.InstanceGuard.owned = true;
     dialogs.msgBoxAnswers = {vbNo};
     frm.mnuPopupExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows",
                           "MsgBox There are unsaved changes. Save now (or they will be lost)?",
                           "UnregisterMarkerClasses", "RemoveTrayIcon", "ReleaseInstance", "EndProgram"}));
     EXPECT_TRUE(!frm.Showing && frm.Unloading && frm.MouseMode == 0 && !frm.InstanceGuard.owned);
-}
-
-TEST_F(Shutdown, NothingToGiveBackWithoutIconOrGuardAndFailuresSkipStepByStep) {
+    log.clear();
     frm.TrayIconCreated = false;
-    frm.InstanceGuard.owned = false;
     frm.mnuExit.PerformClick();
     EXPECT_EQ(log, (Lines{"DestroyAllMarkerWindows", "UnregisterMarkerClasses", "EndProgram"}));
     log.clear();

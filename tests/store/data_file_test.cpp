@@ -3,9 +3,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 #include "fakes/memory_setting_store.hpp"
 #include "lib/errors.hpp"
@@ -13,6 +11,7 @@
 #include "lib/profile.hpp"
 #include "store/data_file.hpp"
 #include "store/ini_setting_store.hpp"
+#include "support/run_time_error.hpp"
 #include "support/scoped_env.hpp"
 #include "support/temp_dir.hpp"
 
@@ -22,26 +21,11 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-std::string ReadAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// "number|description" of the run-time error that f raises; "" for none.
-std::string ErrorTextOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const RuntimeError& e) {
-        return std::to_string(e.number()) + "|" + e.description();
-    }
-    return "";
-}
-
 class DataFileTest : public ::testing::Test {
 protected:
     void SetUp() override { settings.SaveSetting(kAppTitle, "Settings", "DataDir", dir.file("data/nested/Ostrivane")); }
     std::string NewDataFile(const std::string& contents) {
-        std::ofstream(dir.file("given.ini"), std::ios::binary) << contents;
+        WriteBytes(dir.file("given.ini"), contents);
         return dir.file("given.ini");
     }
 
@@ -72,9 +56,10 @@ TEST_F(DataFileTest, InitCreatesAMissingOrEmptyFileAndTellsWhyOthersCannotServe)
     for (const auto& [make, problem] : rows) {
         fs::remove_all(data);
         make();
-        const std::string error = ErrorTextOf([&] { EXPECT_EQ(InitDataFile(settings), file); });
-        EXPECT_EQ(error.empty() ? ReadAll(file) : error, problem.empty() ? "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n"s
-                                                                         : "75|The data file " + file + " " + problem + ".");
+        const std::string error = FailureOf([&] { EXPECT_EQ(InitDataFile(settings), file); });
+        EXPECT_EQ(problem.empty() ? ReadBytes(file) : error,
+                  problem.empty() ? "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n"s
+                                  : "75 Ostrivane.InitDataFile: The data file " + file + " " + problem + ".");
     }
     // What a write that was killed left beside the file goes at the next start.
     const std::string leftover = home + "/.ostrivane.ini.999999999.1.tmp";
@@ -84,21 +69,16 @@ TEST_F(DataFileTest, InitCreatesAMissingOrEmptyFileAndTellsWhyOthersCannotServe)
     EXPECT_FALSE(fs::exists(leftover));
 }
 
-TEST_F(DataFileTest, FirstRunWritesTheKeysInOrder) {
-    const std::string file = InitDataFile(settings);
-    LoadGlobalDefaults(defaults, file, screen, true);
-    const std::string written = ReadAll(file);
-    EXPECT_EQ(written, "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1920x1080\r\nPC=" +
-                           lib_GetComputerName() + "\r\n");
-    // a second start leaves an existing file alone and writes nothing more
-    EXPECT_EQ(InitDataFile(settings), file);
-    LoadGlobalDefaults(defaults, file, screen, true);
-    EXPECT_EQ(ReadAll(file), written);
-    // ScreenRes waits for known metrics
-    const std::string given = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
-    LoadGlobalDefaults(defaults, given, screen, false);
-    EXPECT_EQ(lib_ProfileGetString("Defaults", "ScreenRes", "?", given) + lib_ProfileGetString("Defaults", "PC", "", given),
-              "?box");
+// The start writes ScreenRes and PC when missing, ScreenRes only for known
+// metrics, and leaves those that are there alone.
+TEST_F(DataFileTest, ScreenResAndPcAreWrittenOnceAndOnlyWhenKnown) {
+    const std::string file = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
+    LoadGlobalDefaults(defaults, file, screen, false);
+    EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\n");
+    for (int start = 1; start <= 2; ++start) {
+        LoadGlobalDefaults(defaults, file, screen, true);
+        EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nPC=box\r\nScreenRes=1920x1080\r\n");
+    }
 }
 
 // Format 0 leaves Dotted as it was; format 1 puts part 7 in Dotted and, one
@@ -137,42 +117,33 @@ TEST_F(DataFileTest, BadDefaultsLinesRaiseWithPartialAssignments) {
     for (const Row& r : rows) {
         MarkerRow d = BuiltInGlobalDefaults();
         const std::string file = NewDataFile(r.contents);
-        const std::string error = ErrorTextOf([&] { LoadGlobalDefaults(d, file, screen, true); });
-        EXPECT_TRUE(error.starts_with(std::to_string(r.error) + "|The data file " + file + " cannot be used: ")) << error;
+        const std::string error = FailureOf([&] { LoadGlobalDefaults(d, file, screen, true); });
+        EXPECT_TRUE(error.starts_with(std::to_string(r.error) + " Ostrivane.LoadGlobalDefaults: The data file " + file +
+                                      " cannot be used: "))
+            << error;
         EXPECT_NE(error.find(r.told), std::string::npos) << error;
         EXPECT_EQ(d[Hlen], r.hlenAfter) << r.contents;
     }
 }
 
-TEST(GroupSection, BuildsTheDocumentedLinesAndNotesLineBreaks) {
+// Run-time columns and rows beyond the list count never reach the file.
+TEST_F(DataFileTest, SaveWritesTheDocumentedLinesInPlaceOrToAnotherFile) {
+    const std::string file = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Bench]\r\nold=1\r\n[Z]\r\nk=v\r\n");
     MarkerTable t;
     for (int c : {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) t(0, c) = -1;
     const std::int32_t rows[2][8] = {{400, 300, -2, -2, 65280, 3, 60, 0}, {100, 100, 50, 50, -1, -1, -1, -1}};
     const int cols[] = {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
     for (int i = 0; i < 8; ++i) t(1, cols[i]) = rows[0][i], t(2, cols[i]) = rows[1][i];
-    t(1, HwndH) = 12345;  // run-time columns never reach the file
-    t(3, Hpos) = 777;     // a stale row beyond the list count
-    EXPECT_EQ(BuildGroupSection(t, 2, "First line\r\nSecond line"),
-              "DataFormat=1\0Defaults=0,0,-1,-1,-1,-1,-1,-1,\0"
-              "1=400,300,-2,-2,65280,3,60,0,\0"
-              "2=100,100,50,50,-1,-1,-1,-1,\0"
-              "Notes=First line\xffSecond line\0\0"s);
-    EXPECT_EQ(BuildGroupSection(t, 0, ""), "DataFormat=1\0Defaults=0,0,-1,-1,-1,-1,-1,-1,\0Notes=\0\0"s);
+    t(1, HwndH) = 12345;
+    t(3, Hpos) = 777;
+    ASSERT_TRUE(SaveGroupSection("bench", "", file, t, 2, "First line\r\nSecond line"));
+    EXPECT_EQ(ReadBytes(file), "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Bench]\r\nDataFormat=1\r\n"
+                               "Defaults=0,0,-1,-1,-1,-1,-1,-1,\r\n1=400,300,-2,-2,65280,3,60,0,\r\n"
+                               "2=100,100,50,50,-1,-1,-1,-1,\r\nNotes=First line\xffSecond line\r\n[Z]\r\nk=v\r\n");
+    ASSERT_TRUE(SaveGroupSection("New", dir.file("export.ini"), file, t, 0, ""));
+    EXPECT_EQ(ReadBytes(dir.file("export.ini")), "[New]\r\nDataFormat=1\r\nDefaults=0,0,-1,-1,-1,-1,-1,-1,\r\nNotes=\r\n");
     EXPECT_EQ(NotesToFileText("a\r\nb\r\n\r\rlone\ncr\r"), "a\xff" "b\xff\r\rlone\ncr\r");
     EXPECT_EQ(FileTextToNotes("a\xff" "b"), "a\r\nb");
-}
-
-TEST_F(DataFileTest, SaveReplacesTheSectionAndDefaultsToTheDataFile) {
-    const std::string file = NewDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Bench]\r\nold=1\r\n[Z]\r\nk=v\r\n");
-    MarkerTable t;
-    t(1, Hpos) = 5;
-    ASSERT_TRUE(SaveGroupSection("bench", "", file, t, 1, "n"));
-    EXPECT_EQ(ReadAll(file),
-              "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Bench]\r\nDataFormat=1\r\nDefaults=0,0,0,0,0,0,0,0,\r\n"
-              "1=5,0,0,0,0,0,0,0,\r\nNotes=n\r\n[Z]\r\nk=v\r\n");
-    const std::string other = dir.file("export.ini");
-    ASSERT_TRUE(SaveGroupSection("New", other, file, t, 0, ""));
-    EXPECT_EQ(ReadAll(other), "[New]\r\nDataFormat=1\r\nDefaults=0,0,0,0,0,0,0,0,\r\nNotes=\r\n");
 }
 
 TEST(IniSettingStoreTest, KeepsDataDirPerApplication) {

@@ -21,8 +21,6 @@ public:
         setrlimit(RLIMIT_FSIZE, &old_);
         std::signal(SIGXFSZ, handler_);
     }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
 
 private:
     void (*handler_)(int);

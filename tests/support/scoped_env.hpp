@@ -16,8 +16,6 @@ public:
         Set(value);
     }
     ~ScopedEnv() { Set(old_ ? old_->c_str() : nullptr); }
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
 
 private:
     void Set(const char* value) { value != nullptr ? ::setenv(name_, value, 1) : ::unsetenv(name_); }
@@ -31,8 +29,6 @@ public:
         std::filesystem::current_path(dir);
     }
     ~ScopedCurrentDir() { std::filesystem::current_path(old_); }
-    ScopedCurrentDir(const ScopedCurrentDir&) = delete;
-    ScopedCurrentDir& operator=(const ScopedCurrentDir&) = delete;
 
 private:
     std::filesystem::path old_;

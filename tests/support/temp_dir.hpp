@@ -1,10 +1,12 @@
 // A fresh directory under the system's temporary directory for one test,
-// removed with everything in it when the object goes.
+// removed with everything in it when the object goes; and whole-file reads
+// and writes for the tests that look at the bytes on disk.
 #pragma once
 
-#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -19,22 +21,10 @@ public:
         if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a temporary directory " + pattern);
         path_ = pattern;
     }
-
     ~TempDir() {
-        namespace fs = std::filesystem;
         std::error_code ec;
-        if (fs::remove_all(path_, ec) != static_cast<std::uintmax_t>(-1) && !ec) return;
-        // A test may have taken away write permission somewhere inside.
-        fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ec);
-        for (auto it = fs::recursive_directory_iterator(path_, ec); !ec && it != fs::recursive_directory_iterator();
-             it.increment(ec)) {
-            std::error_code ignored;
-            if (it->is_directory(ignored))
-                fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
-        }
-        fs::remove_all(path_, ec);
+        std::filesystem::remove_all(path_, ec);
     }
-
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
@@ -44,5 +34,14 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+inline std::string ReadBytes(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+inline void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
 
 }  // namespace ostrivane
