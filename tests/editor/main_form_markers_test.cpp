@@ -126,9 +126,6 @@ TEST_F(MarkerListTest, DuplicatePromptAsksUntilAnOffsetWithinNinetyNine) {
     Duplicate({"-99"});
     EXPECT_EQ(frm.store.Markers(2, Vpos), -49);  // no lower bound
     const fakes::Question& q = dialogs.asked.back();
-    EXPECT_EQ(q.prompt,
-              "Note: if markers are duplicated exactly, you won't see them on top of each other, and flashing "
-              "will apear to stop. To help, its is recommended you offset the new markers by a small amount.");
     EXPECT_EQ(q.title, "Ostrivane");
     EXPECT_FALSE(q.position.has_value());
 }

@@ -139,7 +139,6 @@ public:
         std::string className;
         PixelRect rect;
         int alpha = -1;
-        std::string paintedWith;
     };
     struct Class {
         std::int32_t colour;
@@ -162,7 +161,7 @@ public:
         calls.push_back("Create " + className);
         if (!classes.count(className)) return 0;
         const WindowHandle h = nextHandle++;
-        windows[h] = {className, rect, -1, {}};
+        windows[h] = {className, rect, -1};
         return h;
     }
     void SetAlpha(WindowHandle w, std::uint8_t alpha) override {
@@ -175,7 +174,6 @@ public:
     }
     void PaintWithClass(WindowHandle w, const std::string& className) override {
         calls.push_back("Paint " + std::to_string(w) + " " + className);
-        if (windows.count(w)) windows[w].paintedWith = className;
     }
     void DestroyWindow(WindowHandle w) override {
         calls.push_back("Destroy " + std::to_string(w));
