@@ -173,8 +173,6 @@ TEST_F(FieldsTest, ColourFieldShowsItsColour) {
         EXPECT_EQ(Box(frm.txtColour) + " " + std::to_string(Cell(1, Colour)), seen);
     }
     EXPECT_TRUE(overlay.calls.empty());
-    EXPECT_TRUE(frm.SetColourField(frm.txtColour, "-1"));
-    EXPECT_EQ(Box(frm.txtColour), " 16777215 0");
 }
 
 // Cancelled, then a colour for the marker, then one for the group.

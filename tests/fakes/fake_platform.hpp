@@ -1,8 +1,7 @@
 // Fakes of the platform: questions answered from a script and recorded,
-// overlay calls recorded, and a manual clock for timers.
+// overlay calls and line windows recorded.
 #pragma once
 
-#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -179,34 +178,6 @@ public:
         calls.push_back("Destroy " + std::to_string(w));
         windows.erase(w);
     }
-};
-
-// Fires due timer ticks, a millisecond at a time. A timer enabled at time t
-// first ticks at t + Interval; disabling it forgets its schedule.
-class ManualClock {
-public:
-    void Watch(form::Timer& timer) { timers_.push_back({&timer, -1}); }
-
-    void Advance(long ms) {
-        for (const long end = now_ + ms;; ++now_) {
-            for (auto& [timer, due] : timers_) {
-                const long next = now_ + std::max(1, timer->Interval());
-                if (!timer->TimerEnabled()) {
-                    due = -1;
-                } else if (due < 0) {
-                    due = next;
-                } else if (due == now_) {
-                    due = next;
-                    timer->Tick.Raise();
-                }
-            }
-            if (now_ == end) return;
-        }
-    }
-
-private:
-    std::vector<std::pair<form::Timer*, long>> timers_;
-    long now_ = 0;
 };
 
 }  // namespace ostrivane::fakes
