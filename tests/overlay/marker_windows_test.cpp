@@ -91,16 +91,15 @@ TEST_F(MarkerWindowsTest, NothingReachesTheScreenWhileStoppedOrForARowOutsideThe
 
 // A failing step goes alone: what it was to give stays 0, an alpha never applied is -1.
 TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
-    const struct { bool wide; std::array<std::int32_t, 8> marker; const char* horizontal; const char* vertical; } cases[] = {
-        {false, {100, 200, -1, -1, -1, -1, -1, -1}, "89 199 20 3 76", "99 189 3 20 76"},  // the group's
-        {true, {-500, 100, -2, -2, 255, 1, 90, 0}, "-1280 100 3200 1 230", "-500 -300 1 3200 230"},
-        {false, {100, 200, 21, 21, 255, 1, 200, 0}, "90 200 21 1 -1", "100 190 1 21 -1"},
-        {false, {100, 200, 21, 21, 255, 40000, 100, 0}, "90 200 21 0 255", "100 190 0 21 255"},
-        {false, {100, 200, 40000, 21, 255, 1, 100, 0}, "100 200 1 1 255", "100 190 1 21 255"},
-        {false, {2000000000, 200, 21, 21, 255, 1, 100, 0}, "0 0 0 0 255", "0 0 0 0 255"}};
+    const struct { std::array<std::int32_t, 8> marker; const char* horizontal; const char* vertical; } cases[] = {
+        {{100, 200, -1, -1, -1, -1, -1, -1}, "89 199 20 3 76", "99 189 3 20 76"},  // the group's
+        {{-500, 100, -2, -2, 255, 1, 90, 0}, "0 100 1920 1 230", "-500 0 1 1920 230"},
+        {{100, 200, 21, 21, 255, 1, 200, 0}, "90 200 21 1 -1", "100 190 1 21 -1"},
+        {{100, 200, 21, 21, 255, 40000, 100, 0}, "90 200 21 0 255", "100 190 0 21 255"},
+        {{100, 200, 40000, 21, 255, 1, 100, 0}, "100 200 1 1 255", "100 190 1 21 255"},
+        {{2000000000, 200, 21, 21, 255, 1, 100, 0}, "0 0 0 0 255", "0 0 0 0 255"}};
     SetGroupDefaults({20, 20, -1, 3, 30, -1});
     for (const auto& c : cases) {
-        frm.screen = c.wide ? ScreenMetrics{3200, 1024, -1280, -300} : ScreenMetrics{1920, 1080, 0, 0};
         const int r = PutMarker(c.marker);
         EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(r); }), 0);
         EXPECT_EQ(Seen(r, HwndH), c.horizontal);
