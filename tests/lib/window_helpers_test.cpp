@@ -77,7 +77,7 @@ TEST(WindowRects, GetAndSetRelativeToTheParentWithin32Bits) {
 TEST(WindowTitleAndProcess, TitlesAndTheProcesssFirstTopLevelWindow) {
     FakeWindowSystem ws;
     ws.foreground = ws.Add(0, "Editor - notes.txt", {}, 7);
-    const WindowHandle b = ws.Add(0, std::string(250, 'x'), {}, 42), c = ws.Add(0, "Left\0Right"s, {}, 42);
+    const WindowHandle b = ws.Add(0, std::string(200, 'x'), {}, 42), c = ws.Add(0, "Left\0Right"s, {}, 42);
     ws.Add(b, "Child", {}, 42);
     EXPECT_EQ(lib_GetWindowTitle(ws, 0), "Editor - notes.txt");
     EXPECT_EQ(lib_GetWindowTitle(ws, b), std::string(199, 'x'));
