@@ -5,7 +5,6 @@
 #include <array>
 #include <fstream>
 #include <functional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -132,8 +131,6 @@ struct Road {
     std::vector<std::array<int, 3>> cells;
     Lines calls;
 };
-
-void PrintTo(const Road& road, std::ostream* os) { *os << road.name; }
 
 class ShowMarkerRoads : public MarkerWindowsTest, public ::testing::WithParamInterface<Road> {};
 
