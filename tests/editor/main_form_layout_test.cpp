@@ -34,25 +34,6 @@ TEST_F(MainFormLayout, EveryVisibleControlHasItsOwnPlaceInsideTheForm) {
     }
 }
 
-TEST_F(MainFormLayout, Captions) {
-    const std::pair<const form::Control&, const char*> captions[] = {
-        {frm.lblGroups, "Saved Groups"}, {frm.lblMarkers, "Mkrs"},         {frm.lblMove, "Move"},
-        {frm.lblResize, "Resize"},       {frm.lblHpos, "Hpos"},            {frm.lblVpos, "Vpos"},
-        {frm.lblHlen, "Hlen"},           {frm.lblVlen, "Vlen"},            {frm.lblColour, "Colour"},
-        {frm.lblThickness, "Thkns"},     {frm.lblOpacity, "Opacity"},      {frm.lblDotted, "Dotted"},
-        {frm.cmdAddMarker, "Add &Marker"}, {frm.cmdDelMarker, "&Del Markers"}, {frm.cmdSaveGroup, "Save &Group"},
-        {frm.cmdDelGroup, "Del Group"},  {frm.cmdShow, "&Show"},           {frm.cmdExit, "E&xit"},
-        {frm.chkFlashSelected, "Flash Sel"}, {frm.chkCopyCurrOnAdd, "Copy Curr"}, {frm.chkAllowGrabMarkers, "Grab Mks"},
-    };
-    for (const auto& [control, caption] : captions) {
-        std::string got;
-        if (auto* l = dynamic_cast<const form::Label*>(&control)) got = l->Caption();
-        if (auto* b = dynamic_cast<const form::CommandButton*>(&control)) got = b->Caption();
-        if (auto* k = dynamic_cast<const form::CheckBox*>(&control)) got = k->Caption();
-        EXPECT_EQ(got, caption) << control.Name();
-    }
-}
-
 // Each column's head spans it over the marker row, which lies over the
 // default row; columns run left to right in the order of the table's columns.
 TEST_F(MainFormLayout, ColumnHeadsStandOverTheirTwoRowsListsAndBarsBesideTheirCaptions) {

@@ -1,8 +1,7 @@
 // Fakes of the platform: questions answered from a script and recorded,
-// overlay calls recorded, and a manual clock for timers.
+// overlay calls and line windows recorded.
 #pragma once
 
-#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -139,7 +138,6 @@ public:
         std::string className;
         PixelRect rect;
         int alpha = -1;
-        std::string paintedWith;
     };
     struct Class {
         std::int32_t colour;
@@ -162,7 +160,7 @@ public:
         calls.push_back("Create " + className);
         if (!classes.count(className)) return 0;
         const WindowHandle h = nextHandle++;
-        windows[h] = {className, rect, -1, {}};
+        windows[h] = {className, rect, -1};
         return h;
     }
     void SetAlpha(WindowHandle w, std::uint8_t alpha) override {
@@ -175,40 +173,11 @@ public:
     }
     void PaintWithClass(WindowHandle w, const std::string& className) override {
         calls.push_back("Paint " + std::to_string(w) + " " + className);
-        if (windows.count(w)) windows[w].paintedWith = className;
     }
     void DestroyWindow(WindowHandle w) override {
         calls.push_back("Destroy " + std::to_string(w));
         windows.erase(w);
     }
-};
-
-// Fires due timer ticks, a millisecond at a time. A timer enabled at time t
-// first ticks at t + Interval; disabling it forgets its schedule.
-class ManualClock {
-public:
-    void Watch(form::Timer& timer) { timers_.push_back({&timer, -1}); }
-
-    void Advance(long ms) {
-        for (const long end = now_ + ms;; ++now_) {
-            for (auto& [timer, due] : timers_) {
-                const long next = now_ + std::max(1, timer->Interval());
-                if (!timer->TimerEnabled()) {
-                    due = -1;
-                } else if (due < 0) {
-                    due = next;
-                } else if (due == now_) {
-                    due = next;
-                    timer->Tick.Raise();
-                }
-            }
-            if (now_ == end) return;
-        }
-    }
-
-private:
-    std::vector<std::pair<form::Timer*, long>> timers_;
-    long now_ = 0;
 };
 
 }  // namespace ostrivane::fakes

@@ -46,7 +46,6 @@ public:
     Rectangle workArea{0, 0, 1920, 1040};
     WindowHandle foreground = 0;
     std::vector<Move> moves;
-    std::vector<std::pair<WindowHandle, int>> shown;
     std::vector<bool> busyCursor;
     std::vector<FileDialogRequest> openRequests;
     std::vector<FileDialogRequest> saveRequests;
@@ -81,7 +80,7 @@ public:
         return ++it == siblings.end() ? 0 : *it;
     }
     std::int32_t GetWindowProcessId(WindowHandle window) override { return Find(window).processId; }
-    void ShowWindow(WindowHandle window, int command) override { shown.emplace_back(window, command); }
+    void ShowWindow(WindowHandle, int) override {}
     void SetBusyCursor(bool on) override { busyCursor.push_back(on); }
     std::string GetOpenFileName(const FileDialogRequest& request) override {
         openRequests.push_back(request);

@@ -53,6 +53,11 @@ TEST(FormModelEvents, PropertyWritesAndKeysRaiseTheEventsTheLogicReliesOnAndBadV
     EXPECT_TRUE(txt.AllSelected());
     txt.TypeKey('7');
     EXPECT_EQ(txt.Text(), "7");
+    txt.TypeKey(8);  // the caret on the first character
+    EXPECT_EQ(txt.Text(), "");
+    txt.Locked = true;  // a locked box hands the key on and keeps its text
+    EXPECT_EQ(txt.TypeKey('5'), '5');
+    EXPECT_EQ(txt.Text(), "");
 }
 
 TEST(FormModelFocus, ValidateRunsWhenTheFocusLeavesAndCanCancel) {

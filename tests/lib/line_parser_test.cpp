@@ -75,22 +75,6 @@ TEST(LineParser, SplitsAsTheTableSays) {
     for (const Case& c : cases) EXPECT_EQ(Split(c.line, c.o), c.want) << "line: " << c.line;
 }
 
-TEST(LineParser, CutsAWebPageIntoLinesAndTags) {
-    const std::string page =
-        "<HTML>\r\n<HEAD><TITLE>Version</TITLE></HEAD>\r\n<BODY>\r\n  2.4.1  \r\n</BODY>\r\n"
-        "<a href=\"http://x/?a=1&b=2\">Link text</a><img alt=\"a>b\">\r\n<style>p {color: red}</style>\r\n"
-        "He said \"hi\" there\r\n<p>5\" screen</p>\r\n<p>x</p>\r\n";
-    const Parts want = {"<HTML>", "<HEAD>", "<TITLE>", "Version", "</TITLE>", "</HEAD>", "<BODY>", "2.4.1",
-                        "</BODY>", "<a href=http://x/?a=1&b=2>", "Link text", "</a>", "<img alt=a>b>", "<style>",
-                        "p", "{color: red}", "</style>", "He said hi there", "<p>",
-                        "5 screen</p>\r\n<p>x</p>\r\n" + kNul};  // an unclosed quote takes the rest
-    Parts ary(100000);
-    LineParseOptions pageCall = PathCall("\r\n");
-    pageCall.KeepSplitPairs = "<>{}";
-    ASSERT_EQ(lib_GetLineParts3(page, ary, pageCall), static_cast<std::int16_t>(want.size()));
-    EXPECT_EQ(Parts(ary.begin() + 1, ary.begin() + 1 + static_cast<std::ptrdiff_t>(want.size())), want);
-}
-
 TEST(LineParser, PartLocsHoldEachPartsFirstCharacter) {
     struct Case { std::string line; LineParseOptions o; std::vector<std::int32_t> want; };
     const Case cases[] = {

@@ -77,7 +77,7 @@ TEST(WindowRects, GetAndSetRelativeToTheParentWithin32Bits) {
 TEST(WindowTitleAndProcess, TitlesAndTheProcesssFirstTopLevelWindow) {
     FakeWindowSystem ws;
     ws.foreground = ws.Add(0, "Editor - notes.txt", {}, 7);
-    const WindowHandle b = ws.Add(0, std::string(250, 'x'), {}, 42), c = ws.Add(0, "Left\0Right"s, {}, 42);
+    const WindowHandle b = ws.Add(0, std::string(200, 'x'), {}, 42), c = ws.Add(0, "Left\0Right"s, {}, 42);
     ws.Add(b, "Child", {}, 42);
     EXPECT_EQ(lib_GetWindowTitle(ws, 0), "Editor - notes.txt");
     EXPECT_EQ(lib_GetWindowTitle(ws, b), std::string(199, 'x'));
@@ -97,15 +97,13 @@ TEST(FindWindowLike, FirstFindOrEveryFindByPatternDepthSkipAndParent) {
     // Without deep only one level below the top (or below the given parent) is searched,
     // and not below the skip window, which is no match itself.
     const struct { const char* pattern; bool deep; WindowHandle skip, parent, first; Handles all; } rows[] = {
-        {"ostri*", false, 0, 0, a, {0, a, b1, c}}, {"OSTRIVANE", false, 0, 0, a, {0, a, c}},
-        {"*editor", false, 0, 0, b, {0, b}},            {"nothing*", false, 0, 0, 0, {}},
-        {"ostrivane*", false, a, 0, b1, {0, b1, c}},    {"inner*", false, a, 0, 0, {}},
-        {"inner*", true, a, 0, a1, {0, a1}},            {"inner*", false, 0, 0, a1, {0, a1}},
-        {"deep*", false, 0, 0, 0, {}},                  {"*child", false, 0, 0, b1, {0, b1}},
-        {"deep*", true, 0, 0, a11, {0, a11}},           {"inner*", false, 0, a, a1, {0, a1}},
-        {"deep*", false, 0, a, 0, {}},                  {"deep*", true, 0, a, a11, {0, a11}},
-        {"*ostrivane*", false, 0, 0, a, {0, a, b1, c}}, {"*box", true, 0, 0, a1, {0, a1, a11}},
-        {"*box", false, 0, 0, a1, {0, a1}},             {"*ostrivane*", false, c, 0, a, {0, a, b1}},
+        {"ostri*", false, 0, 0, a, {0, a, b1, c}},   {"OSTRIVANE", false, 0, 0, a, {0, a, c}},
+        {"nothing*", false, 0, 0, 0, {}},            {"ostrivane*", false, a, 0, b1, {0, b1, c}},
+        {"inner*", false, a, 0, 0, {}},              {"inner*", true, a, 0, a1, {0, a1}},
+        {"inner*", false, 0, 0, a1, {0, a1}},        {"deep*", false, 0, 0, 0, {}},
+        {"deep*", true, 0, 0, a11, {0, a11}},        {"inner*", false, 0, a, a1, {0, a1}},
+        {"deep*", false, 0, a, 0, {}},               {"deep*", true, 0, a, a11, {0, a11}},
+        {"*box", true, 0, 0, a1, {0, a1, a11}},      {"*ostrivane*", false, c, 0, a, {0, a, b1}},
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(::testing::Message() << r.pattern << " deep " << r.deep << " skip " << r.skip << " parent " << r.parent);

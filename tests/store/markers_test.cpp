@@ -22,15 +22,12 @@ TEST(MarkerValueForms, TextAndCheckBoxForms) {
     for (const auto& [check, dotted] : {std::pair{2, -1}, {1, 1}, {0, 0}}) EXPECT_EQ(CheckToDotted(check), dotted);
 }
 
-TEST(MarkerTable, ZeroFilledBoundsCheckedAndTheNewFileDefaults) {
+TEST(MarkerTable, ZeroFilledAndBoundsChecked) {
     MarkerStore store;
     EXPECT_EQ(store.Markers(50, 12), 0);
     for (auto [r, c] : {std::pair{51, 1}, {-1, 1}, {1, 13}, {1, -1}})
         EXPECT_EQ(ErrorOf([&, r = r, c = c] { store.Markers(r, c) = 1; }), kSubscriptOutOfRange) << r << "," << c;
     EXPECT_EQ(ErrorOf([&] { (void)store.GlobalDefaults[13]; }), kSubscriptOutOfRange);
-    const MarkerRow d = BuiltInGlobalDefaults();
-    EXPECT_EQ((std::vector<int>{d[Hlen], d[Vlen], d[Colour], d[Thickness], d[Opacity], d[Dotted]}),
-              (std::vector<int>{-2, -2, 255, 1, 100, 0}));
 }
 
 TEST(Cascade, FirstNonBlankWinsAndTheNudgeFormSkipsRowZeroWithoutAGroup) {
