@@ -159,19 +159,19 @@ def test(session):
     check(session.start("/STOP", env={"DISPLAY": None}).wait() == 0, "a /stop without a display failed")
     poll(lambda: no_line_windows(session), "every line window, shown or empty, to go on /stop")
 
-    # 40 silent senders, 200 of 1 MiB and a 9,816-character name: all closed, the copy lives.
-    frames = [b"\0"] * 40 + [b"\0\x10\0\0" + b"x" * (1 << 16)] * 200 + [b"\0\0\x26\x58" + b"x" * 9816]
+    # 40 silent senders, 200 of 1 MiB and one of 4,097 bytes, one past the cap: all closed, the copy lives.
+    frames = [b"\0"] * 40 + [b"\0\x10\0\0" + b"x" * (1 << 16)] * 200 + [b"\0\0\x10\x01" + b"x" * 4097]
     senders = [socket.socket(socket.AF_UNIX) for _ in frames]
     for sender, frame in zip(senders, frames):
         sender.connect(os.path.join(session.runtime, "iOstrivanei.socket"))
         sender.send(frame)
     check(select.select(senders[:1], [], [], 1)[0], "the oldest of more than 32 silent senders was kept")
     check(all(select.select([s], [], [], TIMEOUT)[0] for s in senders), "a sender was not closed")
-    big = session.start("x" * 9816, env={"DISPLAY": None})
-    check(big.wait() == 1 and "9816 characters was refused" in big.output(), "the long command was sent")
+    big = session.start("x" * 4097, env={"DISPLAY": None})
+    check(big.wait() == 1 and "4097 characters was refused" in big.output(), "the long command was sent")
     # The group comes back through the same channel, where it was.
     check(session.start('"BENCH"').wait() == 0 and first.running(), "the group start after the flood failed")
-    check("9816 bytes was refused" in first.output(), "the copy did not refuse the long frame")
+    check("4097 bytes was refused" in first.output(), "the copy did not refuse the long frame")
     check_lines(session, expected)
 
     # Each box runs the next command inside it: four deep, the others are answered and dropped.
