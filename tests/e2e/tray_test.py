@@ -58,11 +58,8 @@ def test(session):
     session.start_other(["trayer", "--edge", "top", "--align", "left", "--widthtype", "pixel", "--width", "120",
                          "--height", "32", "--SetDockType", "false", "--SetPartialStrut", "false"])
     write_data_file(session.data_file, {"Bench": ([0, 0, -1, -1, -1, -1, -1, -1],
-                                                  [[300, 300, 40, 40, 255, 1, 100, 0]], "")})
-    with open(session.data_file, "rb") as f:
-        text = f.read().replace(b"[Defaults]\r\n", b"[Defaults]\r\nHideOnGo=1\r\nRestoreOnStop=1\r\n", 1)
-    with open(session.data_file, "wb") as f:
-        f.write(text)
+                                                  [[300, 300, 40, 40, 255, 1, 100, 0]], "")},
+                    ["HideOnGo=1", "RestoreOnStop=1"])
 
     app = session.start()
     form = poll(lambda: [w for w in session.x("xdotool", "search", "--name", "^Ostrivane $", check_rc=False).split()

@@ -2,8 +2,7 @@
 // server that the stock X tools do not offer:
 //   x11_probe close WINDOW             the close box: WM_DELETE_WINDOW, as a window manager sends it
 //   x11_probe activate WINDOW          _NET_ACTIVE_WINDOW of the root, as a window manager sets it
-//   x11_probe clipboard [TIMEOUT_MS] [SELECTION]
-//       prints the text of the CLIPBOARD (or the named) selection
+//   x11_probe clipboard                prints the text of the CLIPBOARD selection
 //   x11_probe wait-markers COUNT [TIMEOUT_MS]
 //   x11_probe wait-title TITLE [TIMEOUT_MS]
 //       prints "ready" once it watches the root window, then, when COUNT line
@@ -78,15 +77,15 @@ int Close(xcb_window_t window) {
     return 0;
 }
 
-int Clipboard(int timeoutMs, const char* selection) {
+int Clipboard() {
     const xcb_window_t w = xcb_generate_id(conn);
     xcb_create_window(conn, XCB_COPY_FROM_PARENT, w, screen->root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                       XCB_COPY_FROM_PARENT, 0, nullptr);
     const xcb_atom_t target = Atom("UTF8_STRING");
     const xcb_atom_t into = Atom("X11_PROBE_CLIPBOARD");
-    xcb_convert_selection(conn, w, Atom(selection), target, into, XCB_CURRENT_TIME);
+    xcb_convert_selection(conn, w, Atom("CLIPBOARD"), target, into, XCB_CURRENT_TIME);
     xcb_flush(conn);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
     while (xcb_generic_event_t* e = NextEvent(deadline)) {
         Reply<xcb_generic_event_t> event(e);
         if ((e->response_type & 0x7F) != XCB_SELECTION_NOTIFY) continue;
@@ -150,7 +149,7 @@ int WaitMapped(size_t count, int timeoutMs, Match match) {
 
 int Usage() {
     std::fprintf(stderr,
-                 "usage: x11_probe close WINDOW | activate WINDOW | clipboard [MS [SELECTION]] | wait-markers COUNT [MS] | wait-title TITLE [MS]\n");
+                 "usage: x11_probe close WINDOW | activate WINDOW | clipboard | wait-markers COUNT [MS] | wait-title TITLE [MS]\n");
     return 2;
 }
 
@@ -180,7 +179,7 @@ int main(int argc, char** argv) {
         std::unique_ptr<xcb_generic_error_t, FreeDeleter> error(xcb_request_check(conn, set));
         rc = error ? 1 : 0;
     } else if (command == "clipboard") {
-        rc = Clipboard(timeoutArg(2, 5000), argc > 3 ? argv[3] : "CLIPBOARD");
+        rc = Clipboard();
     } else if (command == "wait-markers" && argc >= 3) {
         rc = WaitMapped(std::strtoul(argv[2], nullptr, 10), timeoutArg(3, 30000), IsMarker);
     } else if (command == "wait-title" && argc >= 3) {

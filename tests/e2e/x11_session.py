@@ -9,9 +9,9 @@ Every process started here is ended when the session closes.
 
 import argparse
 import os
+import collections
 import re
 import shutil
-import signal
 import struct
 import subprocess
 import sys
@@ -36,19 +36,15 @@ def check(condition, message):
         raise Failure(message)
 
 
-def arguments():
+def main(test, tools=("xwininfo", "xprop", "xwd", "xdotool")):
+    """Runs test(session) with --app and --probe; 0 passed, 1 failed, 77 skipped."""
     parser = argparse.ArgumentParser()
-    parser.add_argument("--app", required=True, help="the ostrivane binary")
-    parser.add_argument("--probe", required=True, help="the x11_probe helper")
-    return parser.parse_args()
-
-
-def main(test):
-    """Runs test(session); 0 passed, 1 failed, 77 skipped."""
-    args = arguments()
+    parser.add_argument("--app", required=True)
+    parser.add_argument("--probe")
+    args = parser.parse_args()
     name = os.path.basename(sys.argv[0])
     try:
-        for tool in ("Xvfb", "xwininfo", "xprop", "xwd", "xdotool"):
+        for tool in ("Xvfb", *tools):
             if shutil.which(tool) is None:
                 raise Skip(f"{tool} is not installed (scripts/install-deps installs it)")
         if not os.access(args.app, os.X_OK):
@@ -77,25 +73,24 @@ def poll(condition, what, timeout=TIMEOUT, interval=0.05):
         time.sleep(interval)
 
 
-class Window:
-    LINE = re.compile(
-        r'^\s+(0x[0-9a-f]+) (?:\(has no name\)|"(.*)"): \((.*)\)\s+(\d+)x(\d+)\+(-?\d+)\+(-?\d+)')
+def stop(proc):
+    if proc.poll() is None:
+        proc.terminate()
+        try:
+            proc.wait(5)
+        except subprocess.TimeoutExpired:
+            proc.kill()
+            proc.wait()
 
-    def __init__(self, wid, name, wm_class, w, h, x, y):
-        self.id, self.name, self.wm_class = wid, name, wm_class
-        self.rect = (x, y, w, h)
 
-    def __repr__(self):
-        return f"Window({self.id}, {self.name!r}, {self.wm_class}, {self.rect})"
+Window = collections.namedtuple("Window", "id name wm_class rect")
+WINDOW_LINE = re.compile(
+    r'^\s+(0x[0-9a-f]+) (?:\(has no name\)|"(.*)"): \((.*)\)\s+(\d+)x(\d+)\+(-?\d+)\+(-?\d+)')
 
 
 class App:
-    def __init__(self, session, args, popen, log):
-        self.session, self.args, self.popen, self.log = session, args, popen, log
-
-    @property
-    def pid(self):
-        return self.popen.pid
+    def __init__(self, args, popen, log):
+        self.args, self.popen, self.pid, self.log = args, popen, popen.pid, log
 
     def running(self):
         return self.popen.poll() is None
@@ -111,24 +106,11 @@ class App:
         with open(self.log, errors="replace") as f:
             return f.read()
 
-    def end(self):
-        if self.running():
-            self.popen.send_signal(signal.SIGTERM)
-            try:
-                self.popen.wait(5)
-            except subprocess.TimeoutExpired:
-                self.popen.kill()
-                self.popen.wait()
-
 
 class Session:
     def __init__(self, app, probe):
         self.app_path, self.probe = app, probe
-        self.apps = []
-        self.extra = []
-        self.xvfb = None
-
-    # --- life cycle -------------------------------------------------------
+        self.apps, self.extra, self.xvfb = [], [], None
 
     def __enter__(self):
         self.tmp = tempfile.mkdtemp(prefix="ostrivane-e2e-")
@@ -150,51 +132,23 @@ class Session:
             number = f.readline().strip()
         if not number:
             raise Failure("Xvfb did not start")
-        self.display = ":" + number.decode()
-        self.env = self._environment()
+        self.env = {k: v for k, v in os.environ.items()
+                    if not k.startswith(("XDG_", "QT_", "DBUS_SESSION", "WAYLAND"))}
+        self.env.update(DISPLAY=":" + number.decode(), HOME=self.tmp, XDG_CONFIG_HOME=self.config,
+                        XDG_DATA_HOME=self.data, XDG_RUNTIME_DIR=self.runtime, QT_QPA_PLATFORM="xcb",
+                        NO_AT_BRIDGE="1")
         return self
 
-    def _environment(self):
-        env = {k: v for k, v in os.environ.items()
-               if not k.startswith(("XDG_", "QT_", "DBUS_SESSION", "WAYLAND"))}
-        env.update({
-            "DISPLAY": self.display,
-            "HOME": self.tmp,
-            "XDG_CONFIG_HOME": self.config,
-            "XDG_DATA_HOME": self.data,
-            "XDG_RUNTIME_DIR": self.runtime,
-            "QT_QPA_PLATFORM": "xcb",
-            "NO_AT_BRIDGE": "1",
-        })
-        return env
-
     def __exit__(self, *exc):
-        for proc in self.extra:
-            if proc.poll() is None:
-                proc.terminate()
-                try:
-                    proc.wait(5)
-                except subprocess.TimeoutExpired:
-                    proc.kill()
-                    proc.wait()
-        for app in self.apps:
-            app.end()
-        if exc[0] is not None:
-            for app in self.apps:
-                out = app.output().strip()
-                if out:
-                    print(f"--- output of ostrivane {app.args} ---\n{out}")
+        for proc in self.extra + [app.popen for app in self.apps]:
+            stop(proc)
+        for app in self.apps if exc[0] is not None else []:
+            if out := app.output().strip():
+                print(f"--- output of ostrivane {app.args} ---\n{out}")
         if self.xvfb is not None:
-            self.xvfb.terminate()
-            try:
-                self.xvfb.wait(5)
-            except subprocess.TimeoutExpired:
-                self.xvfb.kill()
-                self.xvfb.wait()
+            stop(self.xvfb)
         shutil.rmtree(self.tmp, ignore_errors=True)
         return False
-
-    # --- processes --------------------------------------------------------
 
     def start(self, *args, env=None):
         """env: variables to change for this start, None to take one away."""
@@ -203,7 +157,7 @@ class Session:
         with open(log, "wb") as out:
             popen = subprocess.Popen([self.app_path, *args], env=changed, stdout=out,
                                      stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
-        app = App(self, list(args), popen, log)
+        app = App(list(args), popen, log)
         self.apps.append(app)
         return app
 
@@ -225,19 +179,11 @@ class Session:
         return subprocess.run([self.probe, *args], env=self.env, capture_output=True,
                               text=True, errors="replace", timeout=TIMEOUT)
 
-    # --- what the server holds ---------------------------------------------
-
     def windows(self):
         """The top-level windows, topmost first."""
         out = self.x("xwininfo", "-root", "-children")
-        found = []
-        for line in out.splitlines():
-            m = Window.LINE.match(line)
-            if m:
-                wid, name, cls, w, h, x, y = m.groups()
-                classes = re.findall(r'"([^"]*)"', cls)
-                found.append(Window(wid, name, classes, int(w), int(h), int(x), int(y)))
-        return found
+        return [Window(m[1], m[2], re.findall(r'"([^"]*)"', m[3]), (int(m[6]), int(m[7]), int(m[4]), int(m[5])))
+                for m in map(WINDOW_LINE.match, out.splitlines()) if m]
 
     def viewable(self, wid):
         out = self.x("xwininfo", "-id", wid, check_rc=False)
@@ -249,14 +195,8 @@ class Session:
     def titled(self, title):
         return [w for w in self.windows() if w.name == title and self.viewable(w.id)]
 
-    def opacity(self, wid):
-        out = self.x("xprop", "-id", wid, "_NET_WM_WINDOW_OPACITY")
-        m = re.search(r"=\s*(\d+)", out)
-        return int(m.group(1)) if m else None
-
-    def pid_of(self, wid):
-        out = self.x("xprop", "-id", wid, "_NET_WM_PID")
-        m = re.search(r"=\s*(\d+)", out)
+    def cardinal(self, wid, name):
+        m = re.search(r"=\s*(\d+)", self.x("xprop", "-id", wid, name))
         return int(m.group(1)) if m else None
 
     def screenshot(self):
@@ -270,7 +210,7 @@ class Session:
         check(done.returncode == 0, f"x11_probe close failed: {done.stderr}")
 
     def clipboard(self):
-        done = self.probe_run("clipboard", "5000")
+        done = self.probe_run("clipboard")
         return done.stdout if done.returncode == 0 else None
 
     def click(self, wid, x, y, button=1):
@@ -310,11 +250,11 @@ def rgb_of(colour):
     return (colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF)
 
 
-def write_data_file(path, groups, defaults="0,0,-2,-2,255,1,100,0,", data_format=1):
-    """The data file in its own layout: CR LF line ends, a Defaults
-    section, then one section per group of (defaults row, markers, notes)."""
+def write_data_file(path, groups, settings=()):
+    """The data file in its own layout: CR LF line ends, a Defaults section (with
+    settings, "Key=value"), then one section per group of (defaults row, markers, notes)."""
     os.makedirs(os.path.dirname(path), exist_ok=True)
-    lines = ["[Defaults]", f"Defaults={defaults}", f"DataFormat={data_format}",
+    lines = ["[Defaults]", *settings, "Defaults=0,0,-2,-2,255,1,100,0,", "DataFormat=1",
              f"ScreenRes={SCREEN_W}x{SCREEN_H}", "PC=e2e"]
     for name, (row0, markers, notes) in groups.items():
         lines += [f"[{name}]", "DataFormat=1", "Defaults=" + "".join(f"{v}," for v in row0)]
