@@ -9,7 +9,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
 app=$build/ostrivane
-probe=$build/tests/e2e/x11_probe
+probe=$build/bench/map_timer
 runs=${RUNS:-30}
 
 command -v Xvfb >/dev/null || { echo "second_start: Xvfb is not installed (scripts/install-deps)" >&2; exit 1; }
@@ -37,7 +37,7 @@ mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" && mkdir -m 700 "$XDG_RUNTIME_DIR"
 
 "$app" > "$tmp/app.log" 2>&1 &
 pids+=($!)
-"$probe" wait-title "Ostrivane " 30000 > /dev/null || { echo "second_start: the copy did not come up" >&2; exit 1; }
+"$probe" title "Ostrivane " 30000 > /dev/null || { echo "second_start: the copy did not come up" >&2; exit 1; }
 
 # Median wall time of a command in ms, with hyperfine or with a plain loop.
 median_ms() {

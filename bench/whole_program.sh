@@ -14,7 +14,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${1:-$root/build}
 app=$build/ostrivane
-probe=$build/tests/e2e/x11_probe
+probe=$build/bench/map_timer
 runs=${RUNS:-5}
 idle=${IDLE_SECONDS:-30}
 
@@ -103,7 +103,7 @@ for groups in 1 1000 10000; do
   groups_file "$groups"
   startup=()
   for i in $(seq 1 "$runs"); do
-    watch "$tmp/form" wait-title "Ostrivane " 120000
+    watch "$tmp/form" title "Ostrivane " 120000
     t0=$(now)
     "$app" > "$tmp/app.log" 2>&1 &
     pid=$!; pids+=("$pid")
@@ -119,13 +119,13 @@ cp "$tmp/bench50.ini" "$data"
 
 "$app" Bench50 > "$tmp/app.log" 2>&1 &
 pid=$!; pids+=("$pid")
-watch "$tmp/lines" wait-markers 100 30000
+watch "$tmp/lines" markers 100 30000
 moment "the first 100 line windows" "$tmp/lines"
 
 show=(); carrier=()
 for i in $(seq 1 "$runs"); do
   "$app" /stop
-  watch "$tmp/lines" wait-markers 100 30000
+  watch "$tmp/lines" markers 100 30000
   t0=$(now)
   "$app" /show
   moment "100 line windows after /show" "$tmp/lines"

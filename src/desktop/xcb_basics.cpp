@@ -1,9 +1,10 @@
 #include "desktop/xcb_basics.hpp"
 
+#include "desktop/xcb_client.hpp"
+
 #include <QGuiApplication>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace ostrivane::desktop {
 
@@ -23,13 +24,6 @@ int DefaultScreenNumber() {
     return screen;
 }
 
-xcb_atom_t Atom(xcb_connection_t* conn, const char* name) {
-    const auto cookie = xcb_intern_atom(conn, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(conn, cookie, nullptr);
-    if (reply == nullptr) return XCB_ATOM_NONE;
-    const xcb_atom_t atom = reply->atom;
-    std::free(reply);
-    return atom;
-}
+xcb_atom_t Atom(xcb_connection_t* conn, const char* name) { return InternAtom(conn, name); }
 
 }  // namespace ostrivane::desktop
