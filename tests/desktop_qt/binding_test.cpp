@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QTest>
+#include <QtTest>
 #include <QtWidgets>
 
+#include <cctype>
 #include <deque>
 
 #include "desktop/desktop_rules.hpp"
@@ -19,14 +20,12 @@ struct TestForm : form::Form {
     TestForm() : form::Form("frmTest") {
         Width = 6000;
         Height = 3000;
-        txtA.Move(150, 150, 1200, 315);
-        txtB.Move(1500, 150, 1200, 315);
-        chkDots.Move(150, 600, 1200, 300);
-        chkPlain.Move(1500, 600, 1200, 300);
-        lstOne.Move(150, 1050, 1200, 1200);
-        lstMany.Move(1500, 1050, 1200, 1200);
-        cmdGo.Move(3000, 150, 1200, 375);
-        scrBar.Move(3000, 750, 1500, 255);
+        const struct { form::Control* control; int left, top, width, height; } layout[] = {
+            {&txtA, 150, 150, 1200, 315}, {&txtB, 1500, 150, 1200, 315},
+            {&chkDots, 150, 600, 1200, 300}, {&chkPlain, 1500, 600, 1200, 300},
+            {&lstOne, 150, 1050, 1200, 1200}, {&lstMany, 1500, 1050, 1200, 1200},
+            {&cmdGo, 3000, 150, 1200, 375}, {&scrBar, 3000, 750, 1500, 255}};
+        for (const auto& at : layout) at.control->Move(at.left, at.top, at.width, at.height);
         chkDots.ThreeState = true;
         scrBar.SetRange(0, 10);
         for (form::ListBox* list : {&lstOne, &lstMany})
@@ -50,16 +49,13 @@ protected:
 
     void Show() {
         RunEntryPoint([this] { frm.SetVisible(true); });
-        QWidget* window = binding.Window();
-        window->activateWindow();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+        binding.Window()->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(binding.Window()));
     }
     template <class W>
     W* Widget(const form::Control& c) { return qobject_cast<W*>(binding.WidgetOf(c)); }
     // Lets posted work (focus moves, list clicks) run.
-    static void Settle() {
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-    }
+    static void Settle() { for (int i = 0; i < 3; ++i) QCoreApplication::processEvents(); }
     void Focus(const form::Control& c) {
         binding.WidgetOf(c)->setFocus(Qt::TabFocusReason);
         Settle();
@@ -76,13 +72,10 @@ protected:
     QtFormBinding binding;
 };
 
-TEST_F(Binding, TextGoesThroughKeyPressAndAValidateThatCancelsKeepsTheFocus) {
+TEST_F(Binding, TypingFocusAndClicksGoThroughTheModel) {
     const int& changes = Count({&frm.txtA.Change});
     const int& clicks = Count({&frm.cmdGo.Click});
-    frm.txtA.KeyPress.Connect([](int& key) {
-        if (key >= '0' && key <= '9') key = 0;
-        else if (key >= 'a' && key <= 'z') key += 'A' - 'a';
-    });
+    frm.txtA.KeyPress.Connect([](int& key) { key = std::isdigit(key) ? 0 : std::toupper(key); });
     int validations = 0;
     frm.txtA.Validate.Connect([&](bool& cancel) {
         ++validations;
@@ -117,17 +110,13 @@ TEST_F(Binding, TextGoesThroughKeyPressAndAValidateThatCancelsKeepsTheFocus) {
     RunEntryPoint([this] { frm.txtA.SetFocus(); });  // the logic's focus reaches the widget
     Settle();
     EXPECT_TRUE(edit->hasFocus());
-}
 
-TEST_F(Binding, TabGoesInReadingOrderAndClicksActThroughTheModel) {
     // A three-state box moves only in its MouseDown: 0 -> 2 -> 1 -> 0.
     frm.chkDots.MouseDown.Connect([this] { frm.chkDots.SetValue((frm.chkDots.Value() + 2) % 3); });
     const int& checkClicks = Count({&frm.chkDots.Click, &frm.chkPlain.Click});
     const int& listClicks = Count({&frm.lstOne.Click, &frm.lstMany.Click});
     const int& barChanges = Count({&frm.scrBar.Change});
     const int& menuClicks = Count({&frm.mnuCheck.Click});
-    Show();
-    Focus(frm.txtA);
     std::string order;
     for (int i = 0; i < 8; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
@@ -159,9 +148,9 @@ TEST_F(Binding, TabGoesInReadingOrderAndClicksActThroughTheModel) {
     for (const auto& pick : picks) {
         SCOPED_TRACE(pick.list->Name() + " item " + std::to_string(pick.item));
         auto* list = Widget<QListWidget>(*pick.list);
-        const QPoint below(5, list->viewport()->height() - 3);
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, pick.keys,
-                          pick.item < 0 ? below : list->visualItemRect(list->item(pick.item)).center());
+        const QRect item = pick.item < 0 ? QRect(0, list->viewport()->height() - 6, 10, 6)  // below them all
+                                         : list->visualItemRect(list->item(pick.item));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, pick.keys, item.center());
         Settle();
         EXPECT_EQ(pick.list->ListIndex(), pick.index);
         EXPECT_EQ(pick.list->SelCount(), pick.count);
@@ -189,11 +178,9 @@ TEST_F(Binding, TabGoesInReadingOrderAndClicksActThroughTheModel) {
     EXPECT_FALSE(action->isChecked());
 }
 
-TEST_F(Binding, TimersPlacesAndListsComeOverFromTheModelAfterTheEvent) {
+TEST_F(Binding, TheModelComesOverAfterTheEventAndOnlyTheUsersWindowStateComesBack) {
     int ticks = 0;
-    frm.timTick.Tick.Connect([&] {
-        if (++ticks == 3) frm.timTick.SetTimerEnabled(false);
-    });
+    frm.timTick.Tick.Connect([&] { frm.timTick.SetTimerEnabled(++ticks < 3); });
     RunEntryPoint([this] { frm.timTick.SetTimerEnabled(true); });
     EXPECT_TRUE(QTest::qWaitFor([&] { return ticks >= 3; }, 2000));
     QTest::qWait(50);
@@ -209,12 +196,9 @@ TEST_F(Binding, TimersPlacesAndListsComeOverFromTheModelAfterTheEvent) {
     EXPECT_EQ(Widget<QLineEdit>(frm.txtB)->geometry(), QRect(101, 10, 80, 21));
 
     auto* widget = Widget<QListWidget>(frm.lstOne);
-    int inserts = 0;
-    QObject::connect(widget->model(), &QAbstractItemModel::rowsInserted, [&] { ++inserts; });
-    RunEntryPoint([this] {
-        for (int i = 0; i < 1000; ++i) frm.lstOne.AddItem(std::to_string(i));
-    });
-    EXPECT_EQ(inserts, 1);
+    QSignalSpy inserts(widget->model(), &QAbstractItemModel::rowsInserted);
+    RunEntryPoint([this] { for (int i = 0; i < 1000; ++i) frm.lstOne.AddItem(std::to_string(i)); });
+    EXPECT_EQ(inserts.count(), 1);
     void (*const edits[])(form::ListBox&) = {
         [](form::ListBox& l) { l.AddItem("first", 0); },
         [](form::ListBox& l) { l.RemoveItem(500); },
@@ -231,26 +215,21 @@ TEST_F(Binding, TimersPlacesAndListsComeOverFromTheModelAfterTheEvent) {
         for (int i = 0; i < widget->count(); ++i) got << widget->item(i)->text();
         EXPECT_EQ(got, want);
     }
-}
 
-TEST_F(Binding, OnlyAWindowStateTheUserChoseReachesTheModelAndTheCloseBoxAsksIt) {
-    Show();
     QWidget* window = binding.Window();
-    // Sent away as the close box does, and brought back before the window
-    // system reported the minimise it was asked for.
-    for (const auto state : {form::WindowState::Minimized, form::WindowState::Normal}) {
+    // Sent away as the close box does, and back before the minimise was reported.
+    for (const auto state : {form::WindowState::Minimized, form::WindowState::Normal})
         RunEntryPoint([this, state] {
             frm.SetWindowState(state);
             frm.SetVisible(state == form::WindowState::Normal);
         });
+    // The first minimise is that late report, the second the user's.
+    for (const auto want : {form::WindowState::Normal, form::WindowState::Minimized}) {
+        window->setWindowState(Qt::WindowMinimized);
+        Settle();
+        EXPECT_EQ(frm.GetWindowState(), want);
+        EXPECT_EQ(window->isMinimized(), want == form::WindowState::Minimized);
     }
-    window->setWindowState(Qt::WindowMinimized);  // the late report
-    Settle();
-    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Normal);
-    EXPECT_FALSE(window->isMinimized());
-    window->setWindowState(Qt::WindowMinimized);  // the user's
-    Settle();
-    EXPECT_EQ(frm.GetWindowState(), form::WindowState::Minimized);
 
     // The close box asks the model; without a hook the form hides.
     binding.OnQueryUnload = [](bool& cancel) { cancel = true; };
@@ -286,10 +265,9 @@ TEST(InputBox, HasOneWidthWrapsItsPromptAndStandsWhereItsCallerPutsIt) {
             const QLabel* label = box->findChild<QLabel*>();
             EXPECT_EQ(box->width(), kInputBoxWidthPixels);
             EXPECT_GT(label->height(), 2 * label->fontMetrics().height());  // wrapped
-            if (at)
-                EXPECT_EQ(box->frameGeometry().topLeft(), QPoint(123, 73));
-            else
-                EXPECT_LE((box->frameGeometry().center() - centre).manhattanLength(), 2);
+            const QPoint off = at ? box->frameGeometry().topLeft() - QPoint(123, 73)  // where it was put
+                                  : box->frameGeometry().center() - centre;
+            EXPECT_LE(off.manhattanLength(), at ? 0 : 2);
             box->close();
         });
         QtDialogs().InputBox(prompt, "Title", "", at);
@@ -298,15 +276,14 @@ TEST(InputBox, HasOneWidthWrapsItsPromptAndStandsWhereItsCallerPutsIt) {
 
 TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            // The box is dismissed as a user would; the program then ends.
-            QTimer::singleShot(200, [] {
-                if (QWidget* box = QApplication::activeModalWidget()) box->close();
-            });
-            RunEntryPoint([] { Raise(kOverflow); });
-        },
-        ::testing::ExitedWithCode(1), "Run-time error '6':\n\nOverflow");
+    // The box is dismissed as a user would; the program then ends.
+    const auto run = [] {
+        QTimer::singleShot(200, [] {
+            if (QWidget* box = QApplication::activeModalWidget()) box->close();
+        });
+        RunEntryPoint([] { Raise(kOverflow); });
+    };
+    EXPECT_EXIT(run(), ::testing::ExitedWithCode(1), "Run-time error '6':\n\nOverflow");
 }
 
 }  // namespace
