@@ -12,28 +12,8 @@ app=$build/ostrivane
 probe=$build/bench/map_timer
 runs=${RUNS:-30}
 
-command -v Xvfb >/dev/null || { echo "second_start: Xvfb is not installed (scripts/install-deps)" >&2; exit 1; }
-for file in "$app" "$probe"; do
-  [ -x "$file" ] || { echo "second_start: $file is not built" >&2; exit 1; }
-done
-
-tmp=$(mktemp -d)
-pids=()
-cleanup() {
-  local pid
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null || true; done
-  rm -rf "$tmp"
-}
-trap cleanup EXIT
-
-mkfifo "$tmp/displayfd"
-Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp -noreset 3>"$tmp/displayfd" >/dev/null 2>&1 &
-pids+=($!)
-read -r -t 20 display < "$tmp/displayfd" || { echo "second_start: Xvfb did not start" >&2; exit 1; }
-export DISPLAY=":$display"
-export HOME=$tmp XDG_CONFIG_HOME=$tmp/config XDG_DATA_HOME=$tmp/data XDG_RUNTIME_DIR=$tmp/run
-mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" && mkdir -m 700 "$XDG_RUNTIME_DIR"
+name=second_start
+. "$root/bench/virtual_screen.sh"
 
 "$app" > "$tmp/app.log" 2>&1 &
 pids+=($!)

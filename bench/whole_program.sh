@@ -18,31 +18,8 @@ probe=$build/bench/map_timer
 runs=${RUNS:-5}
 idle=${IDLE_SECONDS:-30}
 
-for tool in Xvfb; do
-  command -v "$tool" >/dev/null || { echo "whole_program: $tool is not installed (scripts/install-deps)" >&2; exit 1; }
-done
-for file in "$app" "$probe"; do
-  [ -x "$file" ] || { echo "whole_program: $file is not built" >&2; exit 1; }
-done
-
-tmp=$(mktemp -d)
-pids=()
-cleanup() {
-  local pid
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null || true; done
-  rm -rf "$tmp"
-}
-trap cleanup EXIT
-
-# A server of our own, on a display number it chooses.
-mkfifo "$tmp/displayfd"
-Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp -noreset 3>"$tmp/displayfd" >/dev/null 2>&1 &
-pids+=($!)
-read -r -t 20 display < "$tmp/displayfd" || { echo "whole_program: Xvfb did not start" >&2; exit 1; }
-export DISPLAY=":$display"
-export HOME=$tmp XDG_CONFIG_HOME=$tmp/config XDG_DATA_HOME=$tmp/data XDG_RUNTIME_DIR=$tmp/run
-mkdir -p "$XDG_CONFIG_HOME" "$XDG_DATA_HOME/Ostrivane" && mkdir -m 700 "$XDG_RUNTIME_DIR"
+name=whole_program
+. "$root/bench/virtual_screen.sh"
 
 # The data file with a group of 50 markers: a grid over the screen, five
 # colours, thickness 1 and 3, every fifth one dotted.
