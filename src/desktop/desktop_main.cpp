@@ -14,6 +14,7 @@
 #include "desktop/qt_desktop.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/x11_input.hpp"
 #include "desktop/x11_window_system.hpp"
 #include "desktop/xcb_line_windows.hpp"
 #include "editor/main_form.hpp"
@@ -41,7 +42,8 @@ extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     desktop::X11WindowSystem windowSystem;
     lib_AttachBusyCursor(&windowSystem);  // the hourglass of lib_SetBusy
     MarkerWindows overlay(lineWindows, desk);
-    MainForm frm(dialogs, overlay, desk);
+    desktop::X11Input input;
+    MainForm frm(dialogs, overlay, desk, input);
     overlay.Attach(frm);
     frm.settings = &settings;
 

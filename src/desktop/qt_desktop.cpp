@@ -46,6 +46,11 @@ std::int32_t QtDesktop::GetSystemMetrics(int index) {
     return VirtualScreenMetric(screens, index);
 }
 
+bool QtDesktop::IsForegroundWindow(form::Form& form) {
+    QtFormBinding* binding = QtFormBinding::For(form);
+    return binding != nullptr && binding->Window()->isVisible() && binding->Window()->isActiveWindow();
+}
+
 void QtDesktop::SetForegroundWindow(form::Form& form) {
     QtFormBinding* binding = QtFormBinding::For(form);
     // A form hidden in the tray stays hidden: only a shown form comes forward.

@@ -30,6 +30,7 @@ public:
     void SetCommandHandler(std::function<void(const std::string&)> handler) { onCommand_ = std::move(handler); }
 
     std::int32_t GetSystemMetrics(int index) override;
+    bool IsForegroundWindow(form::Form& form) override;
     void SetForegroundWindow(form::Form& form) override;
     void SetTopmost(form::Form& form, bool on) override;
     void ShowModal(form::Form& form) override;

@@ -197,7 +197,8 @@ void XcbLineWindows::UnregisterClass(const std::string& className) {
     xcb_flush(conn_);
 }
 
-WindowHandle XcbLineWindows::CreateLineWindow(const std::string& className, const PixelRect& rect) {
+WindowHandle XcbLineWindows::CreateLineWindow(const std::string& className, const PixelRect& rect,
+                                              LineStyle style) {
     if (conn_ == nullptr) return 0;
     const auto it = classes_.find(className);
     if (it == classes_.end()) return 0;
@@ -222,13 +223,15 @@ WindowHandle XcbLineWindows::CreateLineWindow(const std::string& className, cons
     xcb_change_property(conn_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8, sizeof kWmClass,
                         kWmClass);
     // No input region at all: every click goes to whatever lies beneath.
-    if (shape_) {
+    const bool layered = style == LineStyle::Layered;
+    if (layered && shape_) {
         xcb_shape_rectangles(conn_, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window, 0, 0, 0,
                              nullptr);
     }
     LineWindow& state = windows_[static_cast<WindowHandle>(window)];
     state.rect = rect;
     state.mapped = false;
+    state.layered = layered;
     if (Visible(rect.width, rect.height)) {
         xcb_map_window(conn_, window);
         state.mapped = true;
@@ -240,7 +243,8 @@ WindowHandle XcbLineWindows::CreateLineWindow(const std::string& className, cons
 }
 
 void XcbLineWindows::SetAlpha(WindowHandle window, std::uint8_t alpha) {
-    if (conn_ == nullptr || windows_.count(window) == 0 || opacityAtom_ == XCB_ATOM_NONE) return;
+    const auto it = windows_.find(window);
+    if (conn_ == nullptr || it == windows_.end() || !it->second.layered || opacityAtom_ == XCB_ATOM_NONE) return;
     const std::uint32_t opacity = OpacityCardinal(alpha);
     xcb_change_property(conn_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), opacityAtom_,
                         XCB_ATOM_CARDINAL, 32, 1, &opacity);

@@ -34,7 +34,7 @@ public:
     // A window of width or height 0 or less is made, but kept unmapped until
     // a move gives it a size: X has no empty windows, and a 0 handle would
     // leave the marker's other window without an owner in the table.
-    WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect) override;
+    WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect, LineStyle style) override;
     void SetAlpha(WindowHandle window, std::uint8_t alpha) override;
     void MoveWindow(WindowHandle window, const PixelRect& rect) override;
     void PaintWithClass(WindowHandle window, const std::string& className) override;
@@ -56,6 +56,7 @@ private:
     struct LineWindow {
         PixelRect rect;
         bool mapped = false;
+        bool layered = true;
     };
 
     void Init(int screenNumber);

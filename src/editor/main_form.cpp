@@ -5,7 +5,7 @@ namespace ostrivane {
 using form::ListBox;
 using form::ScrollBar;
 
-MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop)
+MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& input)
     : form::Form("frmMain"),
       lstGroups(this, "lstGroups", ListBox::Selection::Single),
       lstMarkers(this, "lstMarkers", ListBox::Selection::Extended),
@@ -95,7 +95,8 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop)
       timFlashSelected(this, "timFlashSelected", 200),
       dialogs_(dialogs),
       overlay_(overlay),
-      desktop_(desktop) {
+      desktop_(desktop),
+      input_(input) {
     SetCaption(kMainFormCaption);
 
     struct Tip {
@@ -204,6 +205,9 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop)
     WireStartupEvents();
     WireCommandEvents();
     WireTrayEvents();
+    WireAddMarkerEvents();
+    WireGrabEvents();
+    WireFlashEvents();
 }
 
 }  // namespace ostrivane

@@ -23,6 +23,7 @@
 #include "form/form.hpp"
 #include "platform/desktop.hpp"
 #include "platform/dialogs.hpp"
+#include "platform/input.hpp"
 #include "platform/overlay.hpp"
 #include "store/markers.hpp"
 
@@ -37,7 +38,7 @@ std::string InstanceName();
 
 class MainForm : public form::Form {
 public:
-    MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop);
+    MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& input);
 
     // ---- State ----------------------------------------------------------
     MarkerStore store;  // Markers, MarkerCount, GlobalDefaults
@@ -50,11 +51,18 @@ public:
     bool FlashPhase = false;
     std::int16_t CurrentGroup = -1;
     std::int16_t GroupFormat = 0;
+    // The hooks (shell/main_form_hooks.cpp). The key flags are True as -1.
+    HookHandle KeyboardHook = 0;
+    HookHandle MouseHook = 0;
+    std::int16_t LCtrlDown = 0, RCtrlDown = 0, LShiftDown = 0, RShiftDown = 0;
     std::int16_t MouseMode = 0;  // 0 idle, 1 placing, 2 and 3 dragging a line
     std::int16_t GrabbedMarker = 0;
-    std::int16_t AddMarkerThickness = 1;
     std::int16_t GrabProximity = 10;
-    bool MouseHooked = false;
+    // Placing and dragging (shell/main_form_add_marker.cpp, main_form_grab.cpp).
+    std::int16_t AddMarkerThickness = 1;
+    std::int32_t NewHlen = -1, NewVlen = -1, NewColour = -1, NewThickness = -1, NewOpacity = -1, NewDotted = -1;
+    std::int16_t LastCursorX = 0, LastCursorY = 0;
+    bool FormWasForeground = false;
     // The single-instance guard: whether a copy was already running.
     struct InstanceGuardState {
         bool owned = false;
@@ -145,9 +153,6 @@ public:
     // ---- Marker list (main_form_markers.cpp) ----------------------------
     void AppendMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t hlen, std::int32_t vlen,
                       std::int32_t colour, std::int32_t thickness, std::int32_t opacity, std::int32_t dotted);
-    // The list half of the end of a placement by mouse.
-    void AddMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t hlen, std::int32_t vlen, std::int32_t colour,
-                   std::int32_t thickness, std::int32_t opacity, std::int32_t dotted);
     void cmdDelMarker_Click();
     void mnuDupMarker_Click();
 
@@ -172,9 +177,32 @@ public:
 
     // ---- Show and stop (overlay/main_form_show.cpp) ---------------------
     void Go();
-    // The mouse hook arrives with the hooks; until then these only keep the state.
+
+    // ---- Hooks and hot keys (shell/main_form_hooks.cpp) -----------------
+    void HookKeyboard();
+    void UnhookKeyboard();
     void HookMouse();
     void UnhookMouse();
+    HookAnswer KeyboardProc(int code, std::uint32_t message, const KeyboardRecord& record);
+    HookAnswer MouseProc(int code, std::uint32_t message);
+
+    // ---- Placing a marker by mouse (shell/main_form_add_marker.cpp) -----
+    void cmdAddMarker_Click();
+    void timAddMarker_Tick();
+    void timAddMarkerComplete_Tick();
+    // Fixes the new marker at the cursor.
+    void AddMarker();
+
+    // ---- Grabbing and dragging a line (shell/main_form_grab.cpp) --------
+    void timMoveMarkerStart_Tick();
+    void timMoveMarker_Tick();
+    void timMoveMarkerComplete_Tick();
+    // Shows the mouse pointer again, for certain.
+    void MoveMarker();
+
+    // ---- Flash selected (overlay/main_form_flash.cpp) --------------------
+    void ToggleFlashSelected(bool fromCheckBox);
+    void timFlashSelected_Tick();
 
     // ---- Start-up and shutdown (shell/main_form_startup.cpp) -------------
     // Returns false when this copy is to end at once (a second copy, or "/quit").
@@ -206,6 +234,7 @@ public:
     Dialogs& dialogs() { return dialogs_; }
     Desktop& desktop() { return desktop_; }
     Overlay& overlay() { return overlay_; }
+    Input& input() { return input_; }
 
 private:
     // Each subject connects its own handlers.
@@ -218,10 +247,14 @@ private:
     void WireStartupEvents();
     void WireCommandEvents();
     void WireTrayEvents();
+    void WireAddMarkerEvents();
+    void WireGrabEvents();
+    void WireFlashEvents();
 
     Dialogs& dialogs_;
     Overlay& overlay_;
     Desktop& desktop_;
+    Input& input_;
 };
 
 }  // namespace ostrivane

@@ -43,18 +43,6 @@ void MainForm::AppendMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t h
     EnableGroupControls(true);
 }
 
-void MainForm::AddMarker(std::int32_t hpos, std::int32_t vpos, std::int32_t hlen, std::int32_t vlen,
-                         std::int32_t colour, std::int32_t thickness, std::int32_t opacity, std::int32_t dotted) {
-    AppendMarker(hpos, vpos, hlen, vlen, colour, thickness, opacity, dotted);
-    for (int i = 0; i < lstMarkers.ListCount(); ++i) lstMarkers.SetSelected(i, false);
-    const int added = store.MarkerCount - 1;
-    lstMarkers.SetListIndex(added);
-    lstMarkers.SetSelected(added, true);
-    ShowMarker(store.MarkerCount);
-    lblMsg.SetCaption("");
-    Dirty = true;
-}
-
 // One pass that advances after a removal too: the item that slides into
 // place i is not looked at, so of adjacent selected markers every other one
 // goes and the rest stay selected for the next click.

@@ -62,13 +62,4 @@ void MainForm::Go() {
     }
 }
 
-// The low-level mouse hook arrives with the hooks; until then only the state
-// it keeps is kept here.
-void MainForm::HookMouse() { MouseHooked = true; }
-
-void MainForm::UnhookMouse() {
-    MouseHooked = false;
-    MouseMode = 0;
-}
-
 }  // namespace ostrivane

@@ -77,6 +77,37 @@ void MarkerWindows::DestroyMarkerWindows(int row) {
     m(row, HwndH) = 0;
 }
 
+// The alpha calls go out also to a null or destroyed window: they fail
+// without effect, as a tick while stopped does.
+void MarkerWindows::MakeMarkerInvisible(int row) {
+    if (form_ == nullptr) return;
+    const MarkerTable& m = form_->store.Markers;
+    lines_.SetAlpha(m(row, HwndH), 0);
+    lines_.SetAlpha(m(row, HwndV), 0);
+}
+
+// Plain windows: solid and in the way of the click that fixes the marker.
+// The alpha goes to them all the same, and does nothing there.
+void MarkerWindows::CreateAddLines(std::int32_t colour, std::int32_t dotted, std::uint8_t alpha) {
+    const std::int16_t classIndex = GetMarkerClass(colour, dotted);
+    for (std::size_t i = 1; i <= 4; ++i) {
+        AddLines[i] = lines_.CreateLineWindow(ClassName(classIndex), {}, LineStyle::Plain);
+        lines_.SetAlpha(AddLines[i], alpha);
+    }
+}
+
+void MarkerWindows::MoveAddLines(std::int32_t x, std::int32_t y, std::int16_t thickness) {
+    if (form_ == nullptr) return;
+    const ScreenMetrics& s = form_->screen;
+    std::array<LineRect, 4> arms{};
+    SkipOnFailure([&] {
+        arms = AddLineRects(x, y, thickness, s.ScreenLeft, s.ScreenTop, s.ScreenWidth, s.ScreenHeight);
+    });
+    for (std::size_t i = 1; i <= 4; ++i) {
+        SkipOnFailure([&] { lines_.MoveWindow(AddLines[i], ToPixels(arms[i - 1])); });
+    }
+}
+
 void MarkerWindows::DestroyAddLines() {
     if (AddLines[1] == 0) return;
     for (std::size_t i = 1; i <= 4; ++i) {
@@ -140,8 +171,8 @@ void MarkerWindows::ShowMarker(int row) {
 
     std::int16_t classIndex = 0;
     const auto createWindows = [&] {
-        SkipOnFailure([&] { m(row, HwndH) = lines_.CreateLineWindow(ClassName(classIndex), horizontal); });
-        SkipOnFailure([&] { m(row, HwndV) = lines_.CreateLineWindow(ClassName(classIndex), vertical); });
+        SkipOnFailure([&] { m(row, HwndH) = lines_.CreateLineWindow(ClassName(classIndex), horizontal, LineStyle::Layered); });
+        SkipOnFailure([&] { m(row, HwndV) = lines_.CreateLineWindow(ClassName(classIndex), vertical, LineStyle::Layered); });
         SkipOnFailure([&] { m(row, PaintedColour) = m(row, Colour); });
         SkipOnFailure([&] { m(row, PaintedEffective) = colour; });
     };

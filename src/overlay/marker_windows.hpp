@@ -39,8 +39,12 @@ public:
 
     void ShowMarker(int row) override;
     void ShowAllMarkers() override;
+    void MakeMarkerInvisible(int row) override;
     void DestroyMarkerWindows(int row) override;
     void DestroyAllMarkerWindows() override;
+    void CreateAddLines(std::int32_t colour, std::int32_t dotted, std::uint8_t alpha) override;
+    void MoveAddLines(std::int32_t x, std::int32_t y, std::int16_t thickness) override;
+    void DestroyAddLines() override;
     void UnregisterMarkerClasses() override;
 
     // The class of a pair, registered on first use. The 101st pair raises
@@ -48,8 +52,6 @@ public:
     std::int16_t GetMarkerClass(std::int32_t colour, std::int32_t dotted);
     // "Ostrvane" and the decimal index; cached for the indexes in use.
     const std::string& ClassName(std::int16_t index);
-    // The four windows of the placement cross, if element 1 is not 0.
-    void DestroyAddLines();
 
     MarkerClassTable MarkerClasses;
     std::int16_t ClassCount = 0;

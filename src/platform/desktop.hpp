@@ -27,6 +27,8 @@ public:
 
     virtual std::int32_t GetSystemMetrics(int index) = 0;
 
+    // Whether the form's window is the foreground window.
+    virtual bool IsForegroundWindow(form::Form& form) = 0;
     // The form's window: raised and given the input focus.
     virtual void SetForegroundWindow(form::Form& form) = 0;
     // Topmost or not, without moving or resizing; shows the form if hidden.

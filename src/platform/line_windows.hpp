@@ -19,6 +19,10 @@ struct PixelRect {
     bool operator==(const PixelRect&) const = default;
 };
 
+// A line window lets clicks through and takes an alpha; a plain one is
+// solid and takes the clicks (the arms of the placement cross).
+enum class LineStyle { Layered, Plain };
+
 class LineWindows {
 public:
     virtual ~LineWindows() = default;
@@ -26,9 +30,10 @@ public:
     // byte), solid, or hatched when dotted is not 0.
     virtual void RegisterClass(const std::string& className, std::int32_t colour, std::int32_t dotted) = 0;
     virtual void UnregisterClass(const std::string& className) = 0;
-    // A visible, topmost, click-through window of that class; 0 when the
-    // class is not registered or the window cannot be made.
-    virtual WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect) = 0;
+    // A visible, topmost window of that class; 0 when the class is not
+    // registered or the window cannot be made.
+    virtual WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect, LineStyle style) = 0;
+    // Nothing on a plain window. Alpha 0 makes a layered window invisible.
     virtual void SetAlpha(WindowHandle window, std::uint8_t alpha) = 0;
     virtual void MoveWindow(WindowHandle window, const PixelRect& rect) = 0;
     // Paints the window over in place with the class's background; the

@@ -22,11 +22,6 @@ constexpr int kStartTopTwips = 1000;
 constexpr int kUnloadFromFrame = 0;
 constexpr int kUnloadFromCode = 1;
 
-// The keyboard hook comes with the hooks and hot keys; until then start-up
-// and unload call these open places.
-void HookKeyboard(MainForm&) {}
-void UnhookKeyboard(MainForm&) {}
-
 std::string DefaultsKey(const MainForm& frm, const char* key, const char* defaultValue) {
     return lib_ProfileGetString(kDefaultsSection, key, defaultValue, frm.DataFile);
 }
@@ -76,7 +71,7 @@ bool MainForm::Form_Load(const std::string& commandLine) {
     FormChanged.Raise(*this);
 
     CreateTrayIcon();
-    HookKeyboard(*this);
+    HookKeyboard();
     // The program's own command line takes the road of a forwarded one.
     if (!CommandText.empty()) txtChangeModeHid.SetText(CommandText);
     return true;
@@ -124,7 +119,7 @@ void MainForm::cmdExit_Click() {
 }
 
 void MainForm::Form_Unload() {
-    UnhookKeyboard(*this);
+    UnhookKeyboard();
     UnhookMouse();
     Unloading = true;
     Showing = false;

@@ -17,7 +17,7 @@ namespace ostrivane::testing {
 
 class MainFormTest : public ::testing::Test {
 protected:
-    MainFormTest() : frm(dialogs, overlay, desktop) {
+    MainFormTest() : frm(dialogs, overlay, desktop, input) {
         frm.screen = {1920, 1080, 0, 0};
         frm.DataFile = dir.file("ostrivane.ini");
     }
@@ -38,6 +38,7 @@ protected:
     fakes::FakeDialogs dialogs;
     fakes::FakeOverlay overlay;
     fakes::FakeDesktop desktop;
+    fakes::FakeInput input;
     MainForm frm;
 };
 

@@ -50,19 +50,6 @@ TEST_F(MarkerListTest, AppendWritesTheRowAndTheItemButNeitherSelectsNorDirties) 
     EXPECT_TRUE(frm.cmdSaveGroup.Enabled() && frm.txtHlenGrpDef.Enabled() && !frm.cmdDelGroup.Enabled());
 }
 
-TEST_F(MarkerListTest, AddMarkerFromTheMenuSelectsOnlyTheNewOneAndShowsIt) {
-    Start("XX");
-    frm.lblMsg.SetCaption("Click to place the marker");
-    frm.cmdAddMarker.Click.Connect([&] { frm.AddMarker(700, 80, kBlank, kBlank, kBlank, kBlank, kBlank, kBlank); });
-    frm.mnuAddMarker.PerformClick();
-    EXPECT_EQ(Table(), "100,200,700,|1,2,3,|..X");
-    EXPECT_EQ(frm.lstMarkers.ListIndex(), 2);
-    EXPECT_EQ(frm.txtHpos.Text(), "700");  // the click filled the fields
-    EXPECT_EQ(overlay.calls.back(), "ShowMarker 3");
-    EXPECT_EQ(frm.lblMsg.Caption(), "");
-    EXPECT_TRUE(frm.Dirty);
-}
-
 // One pass that advances after a removal: of adjacent selected items every
 // other one goes, and the rest stay selected. The group row stays open, even
 // with no marker left; the marker's own controls close.

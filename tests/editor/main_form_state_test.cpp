@@ -120,9 +120,9 @@ TEST_F(MainFormState, WhatDoesNotReachTheTable) {
     frm.store.Markers(0, Vlen) = 0;  // one length of 0 is no sign of an unready row
     frm.UpdateMarkerTable();
     EXPECT_EQ(frm.store.Markers(1, Hlen), kWholeScreen);
-    MainForm fresh(dialogs, overlay, desktop);
+    MainForm fresh(dialogs, overlay, desktop, input);
     fresh.AppendMarker(1, 2, 3, 4, 5, 1, 100, 0);
-    MainForm empty(dialogs, overlay, desktop);
+    MainForm empty(dialogs, overlay, desktop, input);
     empty.ClearGroupDefaults();
     for (MainForm* f : {&frm, &fresh, &empty}) {
         f->txtHlenGrpDef.SetText("40");

@@ -14,6 +14,7 @@
 #include "form/form.hpp"
 #include "platform/desktop.hpp"
 #include "platform/dialogs.hpp"
+#include "platform/input.hpp"
 #include "platform/line_windows.hpp"
 #include "platform/overlay.hpp"
 
@@ -74,7 +75,17 @@ public:
     std::vector<std::string>& calls = ownCalls;
     void ShowMarker(int row) override { calls.push_back("ShowMarker " + std::to_string(row)); }
     void ShowAllMarkers() override { calls.push_back("ShowAllMarkers"); }
+    void MakeMarkerInvisible(int row) override { calls.push_back("MakeMarkerInvisible " + std::to_string(row)); }
     void DestroyMarkerWindows(int row) override { calls.push_back("DestroyMarkerWindows " + std::to_string(row)); }
+    void CreateAddLines(std::int32_t colour, std::int32_t dotted, std::uint8_t alpha) override {
+        calls.push_back("CreateAddLines " + std::to_string(colour) + " " + std::to_string(dotted) + " " +
+                        std::to_string(alpha));
+    }
+    void MoveAddLines(std::int32_t x, std::int32_t y, std::int16_t thickness) override {
+        calls.push_back("MoveAddLines " + std::to_string(x) + " " + std::to_string(y) + " " +
+                        std::to_string(thickness));
+    }
+    void DestroyAddLines() override { calls.push_back("DestroyAddLines"); }
     void DestroyAllMarkerWindows() override { calls.push_back("DestroyAllMarkerWindows"); }
     void UnregisterMarkerClasses() override { calls.push_back("UnregisterMarkerClasses"); }
 };
@@ -93,6 +104,8 @@ public:
     std::int32_t GetSystemMetrics(int index) override {
         return index >= SM_XVIRTUALSCREEN && index <= SM_CYVIRTUALSCREEN ? metrics[index - SM_XVIRTUALSCREEN] : 0;
     }
+    bool foreground = false;  // whether a form's window is in front
+    bool IsForegroundWindow(form::Form&) override { return foreground; }
     void SetForegroundWindow(form::Form& f) override { calls.push_back("SetForegroundWindow " + f.Name()); }
     void SetTopmost(form::Form& f, bool on) override {
         calls.push_back(std::string("SetTopmost ") + f.Name() + (on ? " on" : " off"));
@@ -156,8 +169,8 @@ public:
         classes.erase(name);
         calls.push_back("UnregisterClass " + name);
     }
-    WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect) override {
-        calls.push_back("Create " + className);
+    WindowHandle CreateLineWindow(const std::string& className, const PixelRect& rect, LineStyle style) override {
+        calls.push_back((style == LineStyle::Plain ? "CreatePlain " : "Create ") + className);
         if (!classes.count(className)) return 0;
         const WindowHandle h = nextHandle++;
         windows[h] = {className, rect, -1};
@@ -178,6 +191,43 @@ public:
         calls.push_back("Destroy " + std::to_string(w));
         windows.erase(w);
     }
+};
+
+// The keyboard and the mouse: hooks kept for the test to call, a cursor
+// the test moves, the display counter and the pointer shape.
+class FakeInput final : public Input {
+public:
+    FakeInput() = default;
+    explicit FakeInput(std::vector<std::string>& log) : calls(log) {}
+    KeyboardProc keyboard;
+    MouseProc mouse;
+    bool hooksFail = false;
+    PixelPoint cursor;
+    int displayCounter = 0;
+    int pointer = vbDefault;
+    std::vector<std::string> ownCalls;
+    std::vector<std::string>& calls = ownCalls;
+
+    HookHandle SetKeyboardHook(KeyboardProc proc) override {
+        calls.push_back("SetKeyboardHook");
+        if (hooksFail) return 0;
+        keyboard = std::move(proc);
+        return 1;
+    }
+    HookHandle SetMouseHook(MouseProc proc) override {
+        calls.push_back("SetMouseHook");
+        if (hooksFail) return 0;
+        mouse = std::move(proc);
+        return 2;
+    }
+    void Unhook(HookHandle hook) override {
+        calls.push_back("Unhook " + std::to_string(hook));
+        if (hook == 1) keyboard = nullptr;
+        if (hook == 2) mouse = nullptr;
+    }
+    PixelPoint GetCursorPos() override { return cursor; }
+    int ShowCursor(bool show) override { return displayCounter += show ? 1 : -1; }
+    void SetMousePointer(int p) override { pointer = p; }
 };
 
 }  // namespace ostrivane::fakes

@@ -26,6 +26,7 @@ public:
     std::int32_t metrics[4] = {0, 0, 1920, 1080};  // indexes 76 to 79: x, y, width, height
     std::set<std::string> failing;
 
+    bool IsForegroundWindow(form::Form&) override { return Log("IsForegroundWindow"); }
     std::int32_t GetSystemMetrics(int index) override {
         Log("GetSystemMetrics " + std::to_string(index));
         return index >= 76 && index <= 79 ? metrics[index - 76] : 0;

@@ -21,7 +21,7 @@ using Lines = std::vector<std::string>;
 
 class OverlayTest : public ::testing::Test {
 protected:
-    OverlayTest() : windows(lines, desktop), frm(dialogs, windows, desktop) {
+    OverlayTest() : windows(lines, desktop), frm(dialogs, windows, desktop, input) {
         windows.Attach(frm);
         frm.screen = {1920, 1080, 0, 0};
         frm.DataFile = dir.file("ostrivane.ini");
@@ -60,6 +60,7 @@ protected:
     TempDir dir;
     fakes::FakeDialogs dialogs;
     fakes::FakeDesktop desktop;
+    fakes::FakeInput input;
     fakes::FakeLineWindows lines;
     MarkerWindows windows;
     MainForm frm;
@@ -210,7 +211,7 @@ TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     PutMarker({100, 200, 21, 21, 255, 1, 100, 0});
     PutMarker({300, 400, 21, 21, 65280, 1, 100, 0});
     windows.ShowAllMarkers();  // windows 100 to 103
-    for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
+    windows.CreateAddLines(255, 0, 255);
     lines.calls.clear();
     windows.DestroyAllMarkerWindows();
     windows.UnregisterMarkerClasses();
@@ -237,7 +238,7 @@ protected:
              {&frm.timFlashSelected, &frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarker})
             timers += t->TimerEnabled() ? '1' : '0';
         return std::to_string(frm.Showing) + " " + frm.cmdShow.Caption() + " " + frm.mnuPopupShow.Caption() + " [" +
-               frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string(frm.MouseHooked) +
+               frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string((frm.MouseHook != 0)) +
                std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lines.windows.size()) +
                (frm.Visible() ? " up" : " hidden") +
                (frm.GetWindowState() == form::WindowState::Minimized ? " minimised" : "");
@@ -249,7 +250,8 @@ TEST_F(ShowStopTest, ShowWithNoMarkersSaysSoAndBringsTheFormBack) {
     frm.mnuFileMinToTray.PerformClick();
     frm.mnuShow.PerformClick();  // the menus press the button
     EXPECT_EQ(State(), "1 &Stop &Stop [Select a group or add a marker] 010 0000 0 up");
-    frm.AddMarker(500, 600, 21, 21, 255, 1, 100, 0);
+    input.cursor = {500, 600};
+    frm.AddMarker();
     EXPECT_EQ(lines.windows.size(), 2u) << "still showing: a new marker goes straight up";
 }
 
@@ -264,7 +266,7 @@ TEST_F(ShowStopTest, ShowThenStop) {
     EXPECT_EQ(WindowOf(1, HwndV).rect.left, 700);
 
     // A placement and a drag under way when the stop comes.
-    for (std::size_t i = 1; i <= 4; ++i) windows.AddLines[i] = lines.CreateLineWindow("Ostrvane1", {});
+    windows.CreateAddLines(255, 0, 255);
     frm.MouseMode = 2;
     frm.FlashPhase = true;
     frm.lblMsg.SetCaption("Left click to place marker");

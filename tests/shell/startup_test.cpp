@@ -51,7 +51,8 @@ protected:
     fakes::OrderedDialogs dialogs{log};
     fakes::OrderedOverlay overlay{log};
     fakes::OrderedDesktop desktop{log};
-    MainForm frm{dialogs, overlay, desktop};
+    fakes::FakeInput input{log};
+    MainForm frm{dialogs, overlay, desktop, input};
 };
 
 // "/quit" in any spelling ends the start; a second copy forwards its
@@ -105,7 +106,7 @@ TEST_F(StartupOrdered, CaptionMetricsFormAndTrayInTheirOrder) {
     desktop.metrics[1] = -24;
     ASSERT_TRUE(frm.Form_Load(""));
     EXPECT_EQ(log, (Lines{kGuard, "GetSystemMetrics 79", "GetSystemMetrics 78", "GetSystemMetrics 76",
-                          "GetSystemMetrics 77", "SetTopmost off", "AddTrayIcon "}));
+                          "GetSystemMetrics 77", "SetTopmost off", "AddTrayIcon ", "SetKeyboardHook"}));
     EXPECT_EQ(frm.Caption(), "Ostrivane ");  // the trailing blank is what a second copy looks for
     EXPECT_EQ(std::tie(frm.screen.ScreenLeft, frm.screen.ScreenTop), std::make_tuple(-1280, -24));
     EXPECT_EQ(frm.txtHmax.Text() + "x" + frm.txtVmax.Text(), "1920x1080");
@@ -131,7 +132,7 @@ TEST_F(StartupTest, SettingsReadFromTheDefaultsSectionAndGroupsListed) {
         SCOPED_TRACE(lines);
         WriteDefaults(lines + "[Zulu]\r\nDataFormat=1\r\n1=1,2,3,4,5,6,7,0,\r\n[Alpha]\r\n"s);
         fakes::FakeDesktop t;
-        MainForm f(dialogs, overlay, t);
+        MainForm f(dialogs, overlay, t, input);
         f.settings = &settings;
         f.CurrentGroup = 3;
         ASSERT_TRUE(f.Form_Load(""));
