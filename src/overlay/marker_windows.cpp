@@ -100,8 +100,11 @@ void MarkerWindows::MoveAddLines(std::int32_t x, std::int32_t y, std::int16_t th
     if (form_ == nullptr) return;
     const ScreenMetrics& s = form_->screen;
     std::array<LineRect, 4> arms{};
+    // Through a local: g++ -O3 may build a returned value in the assigned
+    // object itself, which a throw then leaves half written.
     SkipOnFailure([&] {
-        arms = AddLineRects(x, y, thickness, s.ScreenLeft, s.ScreenTop, s.ScreenWidth, s.ScreenHeight);
+        const auto computed = AddLineRects(x, y, thickness, s.ScreenLeft, s.ScreenTop, s.ScreenWidth, s.ScreenHeight);
+        arms = computed;
     });
     for (std::size_t i = 1; i <= 4; ++i) {
         SkipOnFailure([&] { lines_.MoveWindow(AddLines[i], ToPixels(arms[i - 1])); });
@@ -162,9 +165,10 @@ void MarkerWindows::ShowMarker(int row) {
     SkipOnFailure([&] { colour = EffectiveValue(store, row, Colour); });
 
     MarkerLineRects rects;
-    SkipOnFailure([&] {
-        rects = MarkerLines(m(row, Hpos), m(row, Vpos), hlen, vlen, thickness, screen.ScreenLeft, screen.ScreenTop,
-                            screen.ScreenWidth);
+    SkipOnFailure([&] {  // through a local, as in MoveAddLines
+        const auto computed = MarkerLines(m(row, Hpos), m(row, Vpos), hlen, vlen, thickness, screen.ScreenLeft,
+                                          screen.ScreenTop, screen.ScreenWidth);
+        rects = computed;
     });
     const PixelRect horizontal = ToPixels(rects.horizontal);
     const PixelRect vertical = ToPixels(rects.vertical);

@@ -207,6 +207,30 @@ TEST_F(MarkerWindowsTest, The101stClassLeavesTheMarkerWithoutWindows) {
     EXPECT_EQ(WindowOf(1, HwndH).className, "Ostrvane100");
 }
 
+// The cross: four plain windows of the class of its colour, at size 0
+// until the cursor moves; an arm that overflows skips the moves. A flash
+// tick's alpha 0 goes to the horizontal line, then the vertical one.
+TEST_F(MarkerWindowsTest, CrossArmsAndTheInvisibleHalfOfABlink) {
+    windows.CreateAddLines(65535, 1, 77);
+    EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "CreatePlain Ostrvane1", "SetAlpha 100 77", "CreatePlain Ostrvane1",
+                                  "SetAlpha 101 77", "CreatePlain Ostrvane1", "SetAlpha 102 77", "CreatePlain Ostrvane1",
+                                  "SetAlpha 103 77"}));
+    EXPECT_EQ(lines.classes.at("Ostrvane1").dotted, 1);
+    windows.MoveAddLines(500, 300, 3);
+    const std::array<PixelRect, 4> arms{{{0, 299, 494, 3}, {506, 299, 1414, 3}, {499, 0, 3, 294}, {499, 306, 3, 774}}};
+    for (std::size_t i = 1; i <= 4; ++i) EXPECT_EQ(lines.windows.at(windows.AddLines[i]).rect, arms[i - 1]) << i;
+    lines.calls.clear();
+    windows.MoveAddLines(100000, 300, 3);
+    EXPECT_EQ(lines.calls, (Lines{"Move 100", "Move 101", "Move 102", "Move 103"}));
+    EXPECT_EQ(lines.windows.at(100).rect, PixelRect{}) << "an arm that overflows moves to nothing";
+
+    PutMarker({100, 200, 21, 21, 255, 1, 100, 0});
+    windows.ShowMarker(1);
+    lines.calls.clear();
+    windows.MakeMarkerInvisible(1);
+    EXPECT_EQ(lines.calls, (Lines{"SetAlpha 104 0", "SetAlpha 105 0"}));
+}
+
 TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     PutMarker({100, 200, 21, 21, 255, 1, 100, 0});
     PutMarker({300, 400, 21, 21, 65280, 1, 100, 0});
