@@ -249,8 +249,9 @@ class Target:
             with self.lock:
                 self.lines.append(line.strip())
 
-    def take(self, settle=0.4):
-        """What came since the last take, once the events in flight have arrived."""
+    def take(self, count=0, settle=0.4):
+        """What came since the last take, once count lines (and any in flight) have arrived."""
+        poll(lambda: len(self.lines) >= count, f"{count} events at the target")
         time.sleep(settle)
         with self.lock:
             got, self.lines[:] = list(self.lines), []
