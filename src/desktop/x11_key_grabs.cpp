@@ -122,6 +122,12 @@ SideKeys X11KeyGrabs::SideKeysDown() {
 
 bool X11KeyGrabs::Handle(const xcb_generic_event_t* event) {
     const std::uint8_t type = event->response_type & 0x7F;
+    if (type == XCB_MAPPING_NOTIFY) {
+        // Another layout moves the keys and the lock bits: grab them where they are now.
+        const auto* change = reinterpret_cast<const xcb_mapping_notify_event_t*>(event);
+        if (change->request != XCB_MAPPING_POINTER && proc_) Grab(proc_);
+        return false;
+    }
     if (type != XCB_KEY_PRESS && type != XCB_KEY_RELEASE) return false;
     const auto& e = *reinterpret_cast<const xcb_key_press_event_t*>(event);
     HotKey* key = nullptr;

@@ -28,7 +28,8 @@ public:
     // False when neither hot key could be grabbed.
     bool Grab(Proc proc);
     void Ungrab();
-    // True when the event was one of the hot keys.
+    // True when the event was one of the hot keys. A change of the keyboard
+    // mapping grabs the keys anew.
     bool Handle(const xcb_generic_event_t* event);
 
 private:
