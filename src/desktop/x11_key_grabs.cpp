@@ -86,7 +86,9 @@ bool X11KeyGrabs::Grab(Proc proc) {
             for (const xcb_keycode_t code : codes) {
                 for (const std::uint16_t mods : modifierSets_) xcb_ungrab_key(conn_, code, root_, mods);
             }
-            std::fprintf(stderr, "Ostrivane: the hot key %s is held by another program and stays off\n", key.name);
+            if (!key.reported)
+                std::fprintf(stderr, "Ostrivane: the hot key %s is held by another program and stays off\n", key.name);
+            key.reported = true;  // once, not again at each change of the keyboard mapping
             continue;
         }
         key.codes = codes;

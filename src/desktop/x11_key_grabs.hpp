@@ -39,6 +39,7 @@ private:
         std::uint32_t vkCode;
         std::vector<xcb_keycode_t> codes;  // grabbed; empty while off
         bool handedOn = false;              // the press went to the focused window, its release follows
+        bool reported = false;              // found held by another program
     };
 
     SideKeys SideKeysDown();

@@ -6,6 +6,9 @@
 //                              ("key 49 4" keycode and state) and the left button presses
 //                              and releases ("press 300 200", "release ...") it receives,
 //                              until it is killed
+//   x11_probe hold-key KEYSYM MODIFIERS
+//                              grabs the key with exactly these modifiers on the root window,
+//                              as another program's hot key, and prints "held" until killed
 // Exit status 0 on success, 1 on a timeout or an X failure, 2 on bad usage.
 #include <chrono>
 #include <cstdio>
@@ -81,8 +84,30 @@ int Target(char** geometry) {
     return 1;
 }
 
+int HoldKey(std::uint32_t keysym, std::uint16_t modifiers) {
+    const xcb_setup_t* setup = xcb_get_setup(conn);
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    Reply<xcb_get_keyboard_mapping_reply_t> map(
+        xcb_get_keyboard_mapping_reply(conn, xcb_get_keyboard_mapping(conn, setup->min_keycode, count), nullptr));
+    if (!map) return 1;
+    const xcb_keysym_t* syms = xcb_get_keyboard_mapping_keysyms(map.get());
+    const int perCode = map->keysyms_per_keycode;
+    for (int i = 0; i < count * perCode; ++i) {
+        if (syms[i] != keysym) continue;
+        const auto code = static_cast<xcb_keycode_t>(setup->min_keycode + i / perCode);
+        Reply<xcb_generic_error_t> error(xcb_request_check(
+            conn, xcb_grab_key_checked(conn, 0, screen->root, modifiers, code, XCB_GRAB_MODE_ASYNC,
+                                       XCB_GRAB_MODE_ASYNC)));
+        if (error) return 1;
+    }
+    std::printf("held\n");
+    std::fflush(stdout);
+    while (xcb_generic_event_t* e = xcb_wait_for_event(conn)) std::free(e);
+    return 1;
+}
+
 int Usage() {
-    std::fprintf(stderr, "usage: x11_probe close WINDOW | activate WINDOW | clipboard | target X Y W H\n");
+    std::fprintf(stderr, "usage: x11_probe close WINDOW | activate WINDOW | clipboard | target X Y W H | hold-key KEYSYM MODIFIERS\n");
     return 2;
 }
 
@@ -108,6 +133,9 @@ int main(int argc, char** argv) {
         rc = error ? 1 : 0;
     } else if (command == "target" && argc >= 6) {
         rc = Target(argv + 2);
+    } else if (command == "hold-key" && argc >= 4) {
+        rc = HoldKey(static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 0)),
+                     static_cast<std::uint16_t>(std::strtoul(argv[3], nullptr, 0)));
     } else if (command == "clipboard") {
         rc = Clipboard();
     } else {
