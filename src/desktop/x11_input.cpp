@@ -5,8 +5,6 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
-#include <cstdlib>
-
 #include "desktop/entry_point.hpp"
 #include "desktop/x11_cursor.hpp"
 #include "desktop/x11_key_grabs.hpp"
