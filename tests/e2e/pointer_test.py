@@ -3,7 +3,8 @@
 the lines, or on a line with grabbing switched off, reaches the window
 beneath; "Add Marker" fixes a marker at the press, which the window beneath
 never sees; a press near a vertical line drags it to where the pointer
-rested, the form back at the end only if it was in front, and Save Group
+rested, a crosshair while it is held, the form back at the end only if it
+was in front, and Save Group
 writes the place; a program killed in mid-drag leaves the button to the
 others; a failing hit test shows its run-time error box, which takes the
 click that closes it."""
@@ -26,16 +27,23 @@ def lines_of(*markers):
     return sorted(r for m in markers for r in marker_lines(*m, 1, 0, 0, SCREEN_W))
 
 
+def pointer_shape(session):
+    return session.probe_run("cursor").stdout.strip()
+
+
 def drag(session, start, end, kill=None):
+    """The pointer's shape while the line is held."""
     x, y = start
     session.x("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
     time.sleep(0.3)
     session.x("xdotool", "mousemove", str(end[0]), str(end[1]))
     time.sleep(1)  # several ticks of the drag, also on a slow build
+    shape = pointer_shape(session)
     if kill:
         os.kill(kill.pid, signal.SIGKILL)
         kill.wait()
     session.x("xdotool", "mouseup", "1")
+    return shape
 
 
 def click(session, x, y):
@@ -71,7 +79,10 @@ def test(session):
 
     # A drag with the form in front: the form comes back, and the place is saved.
     session.x("xdotool", "windowactivate", "--sync", form)
-    drag(session, (803, 520), (850, 520))
+    normal = pointer_shape(session)
+    held = drag(session, (803, 520), (850, 520))
+    check(held != normal, f"the pointer during a drag is {held}, as before it")
+    poll(lambda: pointer_shape(session) == normal, "the pointer's own shape after the drag")
     settle(session, lines_of((850, 550, 100, 100), added), "the dragged line at x 850")
     check(target.take() == [], "the window beneath saw the drag")
     poll(lambda: session.viewable(form), "the form back after a drag that began with it in front")

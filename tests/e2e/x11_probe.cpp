@@ -9,11 +9,14 @@
 //   x11_probe hold-key KEYSYM MODIFIERS
 //                              grabs the key with exactly these modifiers on the root window,
 //                              as another program's hot key, and prints "held" until killed
+//   x11_probe cursor           prints the size and hot spot of the pointer's shape
 // Exit status 0 on success, 1 on a timeout or an X failure, 2 on bad usage.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+
+#include <xcb/xfixes.h>
 
 #include "desktop/xcb_client.hpp"
 
@@ -106,8 +109,18 @@ int HoldKey(std::uint32_t keysym, std::uint16_t modifiers) {
     return 1;
 }
 
+int Cursor() {
+    Reply<xcb_xfixes_query_version_reply_t> version(
+        xcb_xfixes_query_version_reply(conn, xcb_xfixes_query_version(conn, 4, 0), nullptr));
+    Reply<xcb_xfixes_get_cursor_image_reply_t> image(
+        xcb_xfixes_get_cursor_image_reply(conn, xcb_xfixes_get_cursor_image(conn), nullptr));
+    if (!version || !image) return 1;
+    std::printf("%d %d %d %d\n", image->width, image->height, image->xhot, image->yhot);
+    return 0;
+}
+
 int Usage() {
-    std::fprintf(stderr, "usage: x11_probe close WINDOW | activate WINDOW | clipboard | target X Y W H | hold-key KEYSYM MODIFIERS\n");
+    std::fprintf(stderr, "usage: x11_probe close WINDOW | activate WINDOW | clipboard | target X Y W H | hold-key KEYSYM MODIFIERS | cursor\n");
     return 2;
 }
 
@@ -136,6 +149,8 @@ int main(int argc, char** argv) {
     } else if (command == "hold-key" && argc >= 4) {
         rc = HoldKey(static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 0)),
                      static_cast<std::uint16_t>(std::strtoul(argv[3], nullptr, 0)));
+    } else if (command == "cursor") {
+        rc = Cursor();
     } else if (command == "clipboard") {
         rc = Clipboard();
     } else {
