@@ -4,10 +4,9 @@ the lines, or on a line with grabbing switched off, reaches the window
 beneath; "Add Marker" fixes a marker at the press, which the window beneath
 never sees; a press near a vertical line drags it to where the pointer
 rested, a crosshair while it is held, the form back at the end only if it
-was in front, and Save Group
-writes the place; a program killed in mid-drag leaves the button to the
-others; a failing hit test shows its run-time error box, which takes the
-click that closes it."""
+was in front, and Save Group writes the place; a program killed in mid-drag
+leaves the button to the others; a failing hit test shows its run-time error
+box, which takes the click that closes it."""
 
 import os
 import re
