@@ -87,7 +87,8 @@ bool X11KeyGrabs::Grab(Proc proc) {
                 for (const std::uint16_t mods : modifierSets_) xcb_ungrab_key(conn_, code, root_, mods);
             }
             if (!key.reported)
-                std::fprintf(stderr, "Ostrivane: the hot key %s is held by another program and stays off\n", key.name);
+                std::fprintf(stderr, "Ostrivane: the hot key %s %s and stays off\n", key.name,
+                             codes.empty() ? "is not on the keyboard" : "is held by another program");
             key.reported = true;  // once, not again at each change of the keyboard mapping
             continue;
         }

@@ -122,4 +122,4 @@ def test(session):
 
 
 if __name__ == "__main__":
-    sys.exit(main(test))
+    sys.exit(main(test, tools=("xwininfo", "xprop", "xdotool", "xlogo")))
