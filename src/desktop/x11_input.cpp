@@ -46,6 +46,9 @@ void X11Input::Pump() {
     if (!keys_) return;
     while (xcb_generic_event_t* event = xcb_poll_for_event(grabsConn_)) {
         const Reply<xcb_generic_event_t> owned(event);
+        // A hook may open a modal loop after a reply has read a frozen press
+        // into xcb's queue: the loop must still come to it.
+        PumpSoon();
         if (!pointer_->Handle(event)) keys_->Handle(event);
     }
 }
