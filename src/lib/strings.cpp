@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <system_error>
@@ -137,7 +138,8 @@ void InsertionSort(std::vector<Row>& ary, std::int32_t lowestIndex, std::optiona
     std::vector<std::size_t> order(work.size());
     for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
     for (std::size_t i = 1; i < order.size(); ++i)
-        for (std::size_t j = i; j > 0 && less(work[order[j]], work[order[j - 1]]); --j) std::swap(order[j], order[j - 1]);
+        for (std::size_t j = i; j > 0 && less(work[order[j]], work[order[j - 1]]); --j)
+            std::swap(order[j], order[j - 1]);
     for (std::size_t i = 0; i < order.size(); ++i) *(begin + static_cast<std::ptrdiff_t>(i)) = work[order[i]];
 }
 
@@ -271,7 +273,8 @@ std::string lib_HtmlToText(std::string_view pstrText, bool pblnEntities, bool pb
             char plain = ' ';
             SkipOnFailure([&] {
                 const double code = TextToNumber(std::string_view(text).substr(at + 2, end - at - 2));
-                if (code >= 32 && code <= 255) plain = static_cast<char>(static_cast<unsigned char>(RoundTiesToEven(code)));
+                if (code >= 32 && code <= 255)
+                    plain = static_cast<char>(static_cast<unsigned char>(RoundTiesToEven(code)));
             });
             text.replace(at, end - at + 1, 1, plain);
         }
@@ -280,22 +283,14 @@ std::string lib_HtmlToText(std::string_view pstrText, bool pblnEntities, bool pb
 }
 
 int GeneralCompare(const TaggedValue& a, const TaggedValue& b) {
-    const auto number = [](const TaggedValue& v) -> std::optional<double> {
-        if (std::holds_alternative<double>(v)) return std::get<double>(v);
-        return std::nullopt;
-    };
-    const auto text = [](const TaggedValue& v) -> std::optional<std::string> {
-        if (IsText(v)) return std::get<std::string>(v);
-        return std::nullopt;
-    };
-    const bool aEmpty = std::holds_alternative<Empty>(a), bEmpty = std::holds_alternative<Empty>(b);
+    const bool aNumber = std::holds_alternative<double>(a), bNumber = std::holds_alternative<double>(b);
     if (IsText(a) || IsText(b)) {
-        if (number(a) || number(b)) return number(a) ? -1 : 1;  // a number sorts before any text
-        const std::string ta = aEmpty ? std::string() : text(a).value_or("");
-        const std::string tb = bEmpty ? std::string() : text(b).value_or("");
-        return ta.compare(tb) < 0 ? -1 : (ta == tb ? 0 : 1);
+        if (aNumber || bNumber) return aNumber ? -1 : 1;  // a number sorts before any text
+        const std::string ta = IsText(a) ? std::get<std::string>(a) : std::string();
+        const std::string tb = IsText(b) ? std::get<std::string>(b) : std::string();
+        return ta < tb ? -1 : (ta == tb ? 0 : 1);
     }
-    return CompareNumbers(number(a).value_or(0), number(b).value_or(0));
+    return CompareNumbers(aNumber ? std::get<double>(a) : 0.0, bNumber ? std::get<double>(b) : 0.0);
 }
 
 TaggedValue lib_Max(const TaggedValue& a, const TaggedValue& b) {
@@ -344,7 +339,8 @@ void lib_SortArray(std::vector<std::vector<TaggedValue>>& ary, std::int32_t high
         if (row.size() < columns) Raise(kSubscriptOutOfRange);
     // Only the columns up to highestColumn travel with their key.
     std::vector<std::vector<TaggedValue>> moved(ary.size());
-    for (std::size_t i = 0; i < ary.size(); ++i) moved[i].assign(ary[i].begin(), ary[i].begin() + static_cast<std::ptrdiff_t>(columns));
+    for (std::size_t i = 0; i < ary.size(); ++i)
+        moved[i].assign(ary[i].begin(), ary[i].begin() + static_cast<std::ptrdiff_t>(columns));
     InsertionSort(moved, lowestIndex, firstRow, lastRow,
                   [keyColumn](const std::vector<TaggedValue>& row) -> const TaggedValue& {
                       return row[static_cast<std::size_t>(keyColumn)];
@@ -374,7 +370,8 @@ std::string Latin1Name(const fs::path& native) {
         const auto b = static_cast<unsigned char>(utf8[i]);
         std::size_t length = b < 0x80 ? 1 : b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 0;
         bool whole = length != 0 && i + length <= utf8.size();
-        for (std::size_t k = 1; whole && k < length; ++k) whole = (static_cast<unsigned char>(utf8[i + k]) & 0xC0) == 0x80;
+        for (std::size_t k = 1; whole && k < length; ++k)
+            whole = (static_cast<unsigned char>(utf8[i + k]) & 0xC0) == 0x80;
         if (!whole) {
             out += '?';  // a byte that starts no character
             ++i;

@@ -20,7 +20,8 @@ class Desktop;
 std::string lib_GetFileName(std::string_view pstrPath, bool pblnForward);
 // "C:" or "\\server\share"; in the forward form an absolute path's drive is
 // the mount point of the file system that holds it (of its nearest existing
-// ancestor). "" for a relative path.
+// ancestor). "" for a relative path. A path of more than 100 parts raises
+// 1000 on the object-error base, as the line parser does (lib_GetPathLevel too).
 std::string lib_GetDriveOrShare(std::string_view pstrPath, bool pblnForward);
 // lib_GetDriveOrShare of the current directory.
 std::string lib_GetCurrentDrive();
