@@ -138,8 +138,9 @@ void MainForm::ImportGroup() {
     // A file with no group section has nothing to bring in.
     if (answer.empty()) return;
 
-    lib_ProfileWriteSection(answer, lib_ProfileGetSection(section, file), DataFile);
-    if (!GroupWriteWorked(lib_ProfileLastWriteError().empty(), answer, "imported")) return;
+    if (!GroupWriteWorked(lib_ProfileWriteSection(answer, lib_ProfileGetSection(section, file), DataFile), answer,
+                          "imported"))
+        return;
     lib_KillFile(file, false);
     lstGroups.AddItem(answer);
     lstGroups.SetListIndex(lstGroups.ListCount() - 1);
