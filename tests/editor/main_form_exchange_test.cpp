@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@ using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 constexpr char kInvalid[] = "This does not appear to be a valid file";
 
+std::string Made(const std::string& res) { return "ScreenRes=" + res + "\r\nPC=elsewhere\r\n"; }
 const std::string kBench =
     "[Bench]\r\nDataFormat=1\r\nDefaults=0,0,-1,-2,-1,-1,-1,1,\r\n1=512,540,-1,-2,255,1,100,0,\r\n"
     "2=513,-100,1024,-1,-1,-1,-1,-1,\r\nNotes=n\r\n";
@@ -36,14 +38,17 @@ protected:
     }
     ~ExchangeTest() override { lib_AttachBusyCursor(nullptr); }
 
-    // An exported file made on a screen of res, then imported under the names given.
-    void Import(const std::string& res, const std::string& sections, const Lines& names) {
-        WriteBytes(exported, "[Defaults]\r\nScreenRes=" + res + "\r\nPC=elsewhere\r\n" + sections);
+    // An exported file with those Defaults lines, imported under the names
+    // given, with or without room on the disk.
+    void Import(const std::string& defaults, const std::string& sections, const Lines& names, bool full = false) {
+        WriteBytes(exported, "[Defaults]\r\n" + defaults + sections);
         ws.fileAnswers = {exported};
         dialogs.asked.clear();
         dialogs.inputBoxAnswers.assign(names.begin(), names.end());
         dialogs.msgBoxAnswers = {vbOK};
         MessageText.clear();
+        std::optional<FileSizeLimit> limit;
+        if (full) limit.emplace();
         frm.mnuImportGroup.PerformClick();
     }
     Lines Section(const std::string& name) const {
@@ -108,7 +113,7 @@ TEST_F(ExchangeTest, ImportMakesARescaledCopyRoundedDown) {
         frm.screen = c.screen;
         const std::string size = std::to_string(c.screen.ScreenWidth) + "x" + std::to_string(c.screen.ScreenHeight);
         const std::string name = "G" + size, tr = name + "_Tr";
-        Import(c.res, kBench, {name});
+        Import(Made(c.res), kBench, {name});
         EXPECT_FALSE(std::filesystem::exists(exported));
         EXPECT_EQ(Section(name), (Lines{"DataFormat=1", "Defaults=0,0,-1,-2,-1,-1,-1,1,",
                                         "1=512,540,-1,-2,255,1,100,0,", "2=513,-100,1024,-1,-1,-1,-1,-1,", "Notes=n"}));
@@ -131,7 +136,7 @@ TEST_F(ExchangeTest, ImportMakesARescaledCopyRoundedDown) {
 // Each group section is asked about, a name the file would take for a listed
 // group's, or for its "_Tr", is asked again; the last section comes in.
 TEST_F(ExchangeTest, ImportAsksPerSectionAgainOnClashesAndTakesTheLast) {
-    Import("1920x1080", "[First]\r\nNotes=one\r\n" + kBench, {"One", "alpha", "beta_tr", "BETA", "Gamma"});
+    Import(Made("1920x1080"), "[First]\r\nNotes=one\r\n" + kBench, {"One", "alpha", "beta_tr", "BETA", "Gamma"});
     Lines proposals;
     for (const auto& q : dialogs.asked) proposals.push_back(q.prompt + ": " + q.proposal);
     EXPECT_EQ(proposals, (Lines{"Name for imported group: First", "Name for imported group: Bench",
@@ -144,7 +149,7 @@ TEST_F(ExchangeTest, ImportAsksPerSectionAgainOnClashesAndTakesTheLast) {
 // Whatever stops an import before it lists a group leaves the file and the
 // list; a data file that cannot take the copy is named in a warning.
 TEST_F(ExchangeTest, ImportThatStopsKeepsTheFile) {
-    const std::string valid = "ScreenRes=1024x768\r\nPC=elsewhere\r\n", invalid = "2   5" + std::string(kInvalid);
+    const std::string valid = Made("1024x768"), invalid = "2   5" + std::string(kInvalid);
     const struct {
         std::string defaults;
         Lines names;
@@ -155,18 +160,10 @@ TEST_F(ExchangeTest, ImportThatStopsKeepsTheFile) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.defaults + c.warning);
-        WriteBytes(exported, "[Defaults]\r\n" + c.defaults + kBench + kBench);
-        ws.fileAnswers = {exported};
-        dialogs.inputBoxAnswers.assign(c.names.begin(), c.names.end());
-        MessageText.clear();
-        if (c.warning != "full") {
-            frm.mnuImportGroup.PerformClick();
-            EXPECT_EQ(MessageText, c.warning);
-        } else if (const FileSizeLimit full; true) {
-            frm.mnuImportGroup.PerformClick();
-            EXPECT_EQ(MessageText, "2   0The group \"Gamma\" was not imported: the data file " + frm.DataFile +
-                                       " could not be written (" + std::strerror(EFBIG) + ").");
-        }
+        Import(c.defaults, kBench + kBench, c.names, c.warning == "full");
+        EXPECT_EQ(MessageText, c.warning != "full" ? c.warning
+                                                   : "2   0The group \"Gamma\" was not imported: the data file " +
+                                                         frm.DataFile + " could not be written (" + std::strerror(EFBIG) + ").");
         EXPECT_TRUE(std::filesystem::exists(exported));
         EXPECT_EQ(Groups(), (Lines{"Alpha", "Beta_Tr"}));
     }
