@@ -201,6 +201,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireMarkerEvents();
     WireNudgeEvents();
     WireGroupEvents();
+    WireExchangeEvents();
     WireShowEvents();
     WireStartupEvents();
     WireCommandEvents();

@@ -148,6 +148,8 @@ bool BusyState = false;
 
 void lib_AttachBusyCursor(WindowSystem* ws) { busyCursor = ws; }
 
+WindowSystem* lib_AttachedWindowSystem() { return busyCursor; }
+
 std::string ForegroundWindowTitle() { return busyCursor ? lib_GetWindowTitle(*busyCursor, 0) : std::string(); }
 
 void lib_SetBusy(bool on) {
