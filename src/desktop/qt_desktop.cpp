@@ -4,8 +4,6 @@
 #include <QClipboard>
 #include <QEventLoop>
 #include <QGuiApplication>
-#include <QKeyEvent>
-#include <QTimer>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -22,6 +20,7 @@
 #include "desktop/instance_channel.hpp"
 #include "desktop/instance_socket.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/qt_input_box.hpp"
 #include "desktop/tray_icon.hpp"
 #include "desktop/xcb_basics.hpp"
 #include "dialogs/input_box_form.hpp"
@@ -111,21 +110,7 @@ void QtDesktop::ShowModal(form::Form& form) {
             text->document()->setDocumentMargin(0);
         }
     }
-    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) {
-        binding->OnFormKeyDown = [box](int& key) { box->Form_KeyDown(key); };
-        // The key comes again once the handler has returned, to the focused control.
-        box->SendKey.Connect([binding](int key) {
-            if (key != 37) return;
-            QTimer::singleShot(0, binding, [binding] {
-                if (QWidget* target = binding->Window()->focusWidget()) {
-                    QKeyEvent press(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
-                    QApplication::sendEvent(target, &press);
-                    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Left, Qt::NoModifier);
-                    QApplication::sendEvent(target, &release);
-                }
-            });
-        });
-    }
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) AttachInputBox(*binding, *box);
     if (form.Left == 0 && form.Top == 0) {
         // A form with no place of its own is centred on the screen.
         binding->Sync();
@@ -153,8 +138,7 @@ void QtDesktop::ShowModal(form::Form& form) {
     }
     binding->OnVisibleChanged = nullptr;
     binding->OnFormKeyPress = nullptr;
-    binding->OnFormKeyDown = nullptr;
-    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) box->SendKey.Connect(nullptr);
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) DetachInputBox(*binding, *box);
     if (!own) window->setWindowModality(Qt::NonModal);
     // The keyboard goes back to the window in front, also without a window manager.
     if (front && front != window && front->isVisible()) front->activateWindow();
