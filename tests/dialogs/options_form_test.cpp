@@ -1,5 +1,6 @@
 // The options dialog through the fakes: every setting's key, default and
 // limit, OK and Cancel, and what a running display takes over afterwards.
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -58,6 +59,21 @@ TEST(OptionRules, EachFieldIsCorrectedAsItIsLeft) {
     for (const auto& r : rows)
         EXPECT_EQ(ValidateField(r.rule, r.text, 1600), r.corrected) << static_cast<int>(r.rule) << " " << r.text;
     EXPECT_EQ(ErrorOf([] { ValidateField(OptionRule::Length, "S1", 1600); }), kTypeMismatch);
+}
+
+// Tab goes in reading order; the layout makes it the dialog's tab order.
+TEST_F(OptionsTest, ReadingOrderIsTheTabOrder) {
+    OptionsForm o(frm, settings);
+    std::vector<const form::Control*> stops;
+    for (const auto& [name, c] : o.Controls())
+        if (!dynamic_cast<const form::Label*>(c)) stops.push_back(c);
+    std::sort(stops.begin(), stops.end(), [](auto* a, auto* b) { return std::pair(a->Top, a->Left) < std::pair(b->Top, b->Left); });
+    std::string order;
+    for (const form::Control* c : stops) order += c->Name() + " ";
+    EXPECT_EQ(order, "txtDataDir chkHideOnGo chkRestoreOnStop chkFlashSelected chkAllowGrabMarkers txtHlenGlbDef "
+                     "txtVlenGlbDef txtColourGlbDef txtThicknessGlbDef txtOpacityGlbDef chkDottedGlbDef "
+                     "txtColourAddMarker txtThicknessAddMarker txtOpacityAddMarker chkDottedAddMarker cmdOk cmdCancel "
+                     "txtGrabProximity ");
 }
 
 // Each key's default as the dialog shows it, and OK writing every key in
