@@ -227,8 +227,12 @@ void QtFormBinding::CreateControl(Control& c) {
         } else {
             auto* q = new QLineEdit(content_);
             q->setMaxLength(65535);
-            // A masked box shows the system's mask character for each one.
-            if (box->PasswordChar != '\0') q->setEchoMode(QLineEdit::Password);
+            // A masked box shows its mask character for each one.
+            if (box->PasswordChar != '\0') {
+                q->setEchoMode(QLineEdit::Password);
+                q->setStyleSheet(QString("QLineEdit { lineedit-password-character: %1 }")
+                                     .arg(static_cast<unsigned char>(box->PasswordChar)));
+            }
             // Edits that are no typed character (Delete, paste, cut, undo).
             connect(q, &QLineEdit::textEdited, this, [this, box, q](const QString& text) {
                 if (syncing_) return;

@@ -291,6 +291,7 @@ TEST(LibraryInputBox, KeysReachTheHandlerFirstAndTheButtonsByEnterAndEsc) {
         auto* edit = qobject_cast<QLineEdit*>(binding.WidgetOf(box.txtInput));
         ASSERT_NE(edit, nullptr);
         EXPECT_EQ(edit->echoMode(), QLineEdit::Password);
+        EXPECT_EQ(edit->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, edit), '*');
         edit->setFocus(Qt::TabFocusReason);
         for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
         edit->selectAll();
