@@ -171,7 +171,8 @@ void OptionsForm::WireFieldEvents() {
         box->GotFocus.Connect([this, box] { frm_.SelectAllText(*box); });
         if (rule == OptionRule::Length) {
             // The plain rule: "S" alone, but digits may follow it.
-            box->KeyPress.Connect([box](int& key) { key = FilterLengthKey(key, box->Text().empty(), box->AllSelected()); });
+            box->KeyPress.Connect(
+                [box](int& key) { key = FilterLengthKey(key, box->Text().empty(), box->AllSelected()); });
         } else {
             box->KeyPress.Connect([](int& key) { key = FilterDigitKey(key); });
         }

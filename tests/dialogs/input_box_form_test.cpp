@@ -47,19 +47,16 @@ TEST(InputBoxForm, LoadSizesTheBoxByItsLines) {
         InputBoxForm box;
         box.Form_Load();
         EXPECT_EQ(box.Caption(), r.caption);
-        EXPECT_EQ(box.txtInput.Height, r.boxHeight);
-        EXPECT_EQ(box.cmdOk.Top, r.buttonsTop);
-        EXPECT_EQ(box.cmdCancel.Top, r.buttonsTop);
-        EXPECT_EQ(box.Height, r.height);
-        EXPECT_EQ(box.cmdOk.Default, r.okIsDefault);
+        EXPECT_EQ(
+            std::vector<int>({box.txtInput.Height, box.cmdOk.Top, box.cmdCancel.Top, box.Height, box.cmdOk.Default}),
+                  std::vector<int>({r.boxHeight, r.buttonsTop, r.buttonsTop, r.height, r.okIsDefault}));
         EXPECT_EQ(box.txtInput.PasswordChar, '\0');
     }
     for (const auto& [args, error] : std::vector<std::pair<std::string, int>>{
-             {Args({"MaskInput:=True"}), 94}, {Args({"Lines:=x", "MaskInput:=True"}), kTypeMismatch},
-             {Args({"Lines:=1", "MaskInput:=maybe"}), kTypeMismatch}}) {
+             {"MaskInput:=True", 94}, {Args({"Lines:=x", "MaskInput:=1"}), 13},
+             {Args({"Lines:=1", "MaskInput:=no"}), 13}}) {
         ScratchText = args;
-        InputBoxForm box;
-        EXPECT_EQ(ErrorOf([&] { box.Form_Load(); }), error) << args;
+        EXPECT_EQ(ErrorOf([] { InputBoxForm().Form_Load(); }), error) << args;
     }
 }
 
@@ -85,11 +82,7 @@ TEST(InputBoxForm, TheCallerReadsTheTextThenUnloads) {
 
 // F2 is swallowed; the first key is special; later keys pass.
 TEST(InputBoxForm, TheFirstKeyIsTreatedApart) {
-    const struct {
-        int first, becomes;
-        bool closes;
-        std::vector<int> sent;
-    } rows[] = {
+    const struct { int first, becomes; bool closes; std::vector<int> sent; } rows[] = {
         {13, 13, true, {}}, {35, 113, false, {}}, {39, 113, false, {}}, {37, 113, false, {37}}, {65, 65, false, {}},
     };
     for (const auto& r : rows) {
@@ -99,18 +92,14 @@ TEST(InputBoxForm, TheFirstKeyIsTreatedApart) {
         std::vector<int> sent;
         box.SendKey.Connect([&](int key) { sent.push_back(key); });
         box.SetVisible(true);
-        int key = 37;
-        box.Form_KeyDown(key);  // no control has the focus: nothing happens
-        EXPECT_EQ(key, 37);
         box.SetFocusTo(box.txtInput);
-        key = 113;
+        int key = 113;
         box.Form_KeyDown(key);
         EXPECT_EQ(key, 0);
         key = r.first;
         box.Form_KeyDown(key);
         EXPECT_EQ(key, r.becomes) << r.first;
-        EXPECT_EQ(!box.Visible() && !box.CancelledFlag, r.closes) << r.first;
-        EXPECT_EQ(sent, r.sent) << r.first;
+        EXPECT_TRUE((!box.Visible() && !box.CancelledFlag) == r.closes && sent == r.sent) << r.first;
         key = 37;
         box.Form_KeyDown(key);
         EXPECT_EQ(key, 37);
