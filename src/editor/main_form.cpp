@@ -209,6 +209,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireAddMarkerEvents();
     WireGrabEvents();
     WireFlashEvents();
+    WireOptionsEvents();
 }
 
 }  // namespace ostrivane
