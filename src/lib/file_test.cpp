@@ -51,6 +51,7 @@ bool IsGone(const std::string& file) {
 }  // namespace
 
 void lib_AttachTrash(Trash* trash) { trashCan = trash; }
+Trash* lib_AttachedTrash() { return trashCan; }
 
 bool lib_FileExists(const std::string& file, std::string& foundFile, bool nameOnly) {
     const fs::path path(Unquoted(file));
