@@ -106,12 +106,13 @@ std::string Unescaped(const std::string& field) {
 
 // "/" and every mount point: the roots of file systems, which are never deleted.
 bool IsVolumeRoot(const std::string& path) {
+    std::error_code ec;
+    const fs::path canonical = fs::weakly_canonical(path, ec);
+    if (path.find_first_not_of('/') == std::string::npos || (!ec && canonical == "/")) return true;
     struct stat self {}, parent {};
     if (::stat(path.c_str(), &self) != 0) return false;
     if (::stat((path + "/..").c_str(), &parent) != 0) return false;
     if (self.st_dev != parent.st_dev || self.st_ino == parent.st_ino) return true;
-    std::error_code ec;
-    const fs::path canonical = fs::canonical(path, ec);
     std::ifstream mounts("/proc/self/mounts");
     for (std::string device, target, rest; mounts >> device >> target && std::getline(mounts, rest);) {
         if (!ec && Unescaped(target) == canonical.string()) return true;
