@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "lib/error_handler.hpp"
 #include "lib/errors.hpp"
 #include "lib/numbers.hpp"
 #include "lib/profile.hpp"
@@ -27,6 +28,7 @@ int FindItem(const form::ListBox& list, std::string_view value, bool byItemData)
 }  // namespace
 
 bool lib_SelectFindInList(form::ListBox& list, std::string_view value, bool byItemData) {
+    const TracedFrame frame(kSelectFindInListSource, TracedFrame::KeepCursor);
     int index = -1;
     try {
         index = FindItem(list, value, byItemData);
