@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "dialogs/message_box.hpp"
+#include "lib/error_handler.hpp"
 #include "lib/errors.hpp"
 #include "lib/path_basics.hpp"
 #include "lib/text.hpp"
@@ -226,12 +227,9 @@ bool CanEnter(const std::string& dir) {
 
 enum class Step { Listing, Down, Up };
 
-}  // namespace
-
-bool lib_GetNextFile(Desktop& desktop, bool pblnStart, const std::string& pstrFilespec,
-                     const std::string& pstrStartDir, bool pblnInclSubs, std::string& pstrFoundFile,
-                     std::string& pstrRelDir, bool& pblnDirEntered, const std::string& pstrOpenDirNext,
-                     bool pblnSkipDir) {
+bool NextFile(Desktop& desktop, bool pblnStart, const std::string& pstrFilespec, const std::string& pstrStartDir,
+              bool pblnInclSubs, std::string& pstrFoundFile, std::string& pstrRelDir, bool& pblnDirEntered,
+              const std::string& pstrOpenDirNext, bool pblnSkipDir) {
     Step step = Step::Listing;
     pblnDirEntered = false;
     if (pblnStart) {
@@ -341,6 +339,21 @@ bool lib_GetNextFile(Desktop& desktop, bool pblnStart, const std::string& pstrFi
                 break;
             }
         }
+    }
+}
+
+}  // namespace
+
+bool lib_GetNextFile(Desktop& desktop, bool pblnStart, const std::string& pstrFilespec,
+                     const std::string& pstrStartDir, bool pblnInclSubs, std::string& pstrFoundFile,
+                     std::string& pstrRelDir, bool& pblnDirEntered, const std::string& pstrOpenDirNext,
+                     bool pblnSkipDir) {
+    try {
+        return NextFile(desktop, pblnStart, pstrFilespec, pstrStartDir, pblnInclSubs, pstrFoundFile, pstrRelDir,
+                        pblnDirEntered, pstrOpenDirNext, pblnSkipDir);
+    } catch (const RuntimeError& error) {
+        lib_ErrorHandler("lib_GetNextFile", error.number(), error.description(), true, "", 0);
+        return false;
     }
 }
 

@@ -12,13 +12,14 @@
 #include <optional>
 #include <random>
 #include <system_error>
-#include <thread>
 
 #include "dialogs/message_box.hpp"
+#include "lib/error_handler.hpp"
 #include "lib/errors.hpp"
 #include "lib/file_finder.hpp"
 #include "lib/file_test.hpp"
 #include "lib/path_basics.hpp"
+#include "lib/strings.hpp"
 #include "lib/text.hpp"
 #include "platform/desktop.hpp"
 #include "platform/trash.hpp"
@@ -34,7 +35,6 @@ namespace fs = std::filesystem;
 
 constexpr char kLostNetworkName[] = "The specified network name is no longer available.";
 constexpr std::int32_t kFileOpError = kObjectErrorBase + 1000;
-constexpr int kRetryWaitSteps = 50;  // 5000 ms in steps of 100 ms
 
 int lastError = 0;
 
@@ -43,23 +43,8 @@ bool Fail() {
     return false;
 }
 
-// TRACED FRAME: stands in for the library's traced frame until the error
-// handler lands; it raises the error again under the routine's source.
-template <class Body>
-decltype(auto) RunTraced(const std::string& source, Body&& body) {
-    try {
-        return body();
-    } catch (const RuntimeError& error) {
-        throw RuntimeError(error.number(), source, error.description());
-    }
-}
-
-// The retry wait: the user interface stays responsive meanwhile.
-void WaitForNetwork(Desktop& desktop) {
-    for (int i = 0; i < kRetryWaitSteps; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        desktop.DoEvents();
-    }
+std::string TracedDetail(const std::string& source, const std::string& target) {
+    return "Src:" + source + "\r\nTgt:" + target;
 }
 
 bool Exists(const std::string& path) {
@@ -207,7 +192,7 @@ bool CopyOne(Desktop& desktop, const std::string& source, const std::string& tar
         const std::string text = lib_LastErrorText();
         RemoveFile(lib_CopyTempPath);
         if (text == kLostNetworkName && ++tries <= retries) {
-            WaitForNetwork(desktop);
+            lib_Sleep(desktop, 5000, true);
             continue;
         }
         const std::string temp = lib_CopyTempPath;
@@ -244,7 +229,7 @@ bool MoveOne(Desktop& desktop, const std::string& source, const std::string& tar
     for (int tries = 0; !RenameNoReplace(source, target);) {
         const std::string text = lib_LastErrorText();
         if (text == kLostNetworkName && ++tries <= retries) {
-            WaitForNetwork(desktop);
+            lib_Sleep(desktop, 5000, true);
             continue;
         }
         if (!temp.empty()) std::rename(temp.c_str(), target.c_str());
@@ -314,7 +299,7 @@ bool lib_CopyFile(Desktop& desktop, const std::string& pstrSource, const std::st
                   bool pblnOverWrite, bool /*pblnAskRetry*/, CopyProgress plngProgress, std::int16_t pintRetries,
                   std::string& pstrError) {
     try {
-        return RunTraced("Vexil.lib_CopyFile", [&] {
+        return lib_RunTraced("Vexil.lib_CopyFile", TracedDetail(pstrSource, pstrTarget), [&] {
             return ForEachMatch(pstrSource, pstrTarget, [&](const std::string& from, const std::string& to) {
                 return CopyOne(desktop, from, to, pblnOverWrite, plngProgress, pintRetries);
             });
@@ -327,7 +312,7 @@ bool lib_CopyFile(Desktop& desktop, const std::string& pstrSource, const std::st
 
 bool lib_MoveFile(Desktop& desktop, const std::string& pstrSource, const std::string& pstrTarget,
                   bool pblnOverWrite, bool pblnAskRetry, std::int16_t pintRetries) {
-    return RunTraced("Vexil.lib_MoveFile", [&] {
+    return lib_RunTraced("Vexil.lib_MoveFile", TracedDetail(pstrSource, pstrTarget), [&] {
         return ForEachMatch(pstrSource, pstrTarget, [&](const std::string& from, const std::string& to) {
             return MoveOne(desktop, from, to, pblnOverWrite, pblnAskRetry, pintRetries);
         });
@@ -337,7 +322,7 @@ bool lib_MoveFile(Desktop& desktop, const std::string& pstrSource, const std::st
 bool lib_Deltree(Desktop& desktop, const std::string& pstrDir, bool pblnWalk, std::int16_t pintMsgValue,
                  bool pblnNoRecycle) {
     std::string path = Trim(pstrDir);
-    if (!path.starts_with('/')) {
+    if (lib_GetDriveOrShare(path, true).empty()) {
         lib_ShowCritical(desktop, "Directory " + pstrDir + " invalid (either no drive,share or dir specified)",
                          pintMsgValue);
         return false;
@@ -364,9 +349,7 @@ bool lib_Deltree(Desktop& desktop, const std::string& pstrDir, bool pblnWalk, st
             }
         }
     } catch (const RuntimeError& error) {
-        // TRACED FRAME: reported through the library's error handler
-        // ("lib_Deltree", shown, the directory, pintMsgValue seconds).
-        lib_ShowCritical(desktop, error.description() + "\r\n" + pstrDir, pintMsgValue);
+        lib_ErrorHandler("lib_Deltree", error.number(), error.description(), true, pstrDir, pintMsgValue);
         return false;
     }
     return result;
@@ -405,9 +388,7 @@ bool lib_ChangeDir(Desktop& desktop, const std::string& pstrDir) {
     const std::string dir = pstrDir.ends_with('/') ? pstrDir : pstrDir + "/";
     if (::chdir(dir.c_str()) != 0) {
         Fail();
-        // TRACED FRAME: reported through the library's error handler
-        // ("Vexil.lib_ChangeDir", shown, the directory).
-        lib_ShowCritical(desktop, lib_LastErrorText() + "\r\n" + pstrDir, 0);
+        lib_ErrorHandler("Vexil.lib_ChangeDir", kPathNotFound, lib_LastErrorText(), true, pstrDir, 0);
         return false;
     }
     desktop.DoEvents();
