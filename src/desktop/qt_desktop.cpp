@@ -4,6 +4,8 @@
 #include <QClipboard>
 #include <QEventLoop>
 #include <QGuiApplication>
+#include <QKeyEvent>
+#include <QTimer>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -22,6 +24,7 @@
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/tray_icon.hpp"
 #include "desktop/xcb_basics.hpp"
+#include "dialogs/input_box_form.hpp"
 #include "dialogs/msgbox_form.hpp"
 #include "form/form.hpp"
 
@@ -37,6 +40,12 @@ QtDesktop::~QtDesktop() = default;
 
 std::int32_t QtDesktop::GetSystemMetrics(int index) {
     // In device pixels, the unit of the line windows.
+    if (index == SM_CXSCREEN || index == SM_CYSCREEN) {
+        const QScreen* primary = QGuiApplication::primaryScreen();
+        if (!primary) return 0;
+        const QSize size = primary->geometry().size() * primary->devicePixelRatio();
+        return index == SM_CXSCREEN ? size.width() : size.height();
+    }
     std::vector<ScreenRect> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect g = screen->geometry();
@@ -102,6 +111,21 @@ void QtDesktop::ShowModal(form::Form& form) {
             text->document()->setDocumentMargin(0);
         }
     }
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) {
+        binding->OnFormKeyDown = [box](int& key) { box->Form_KeyDown(key); };
+        // The key comes again once the handler has returned, to the focused control.
+        box->SendKey.Connect([binding](int key) {
+            if (key != 37) return;
+            QTimer::singleShot(0, binding, [binding] {
+                if (QWidget* target = binding->Window()->focusWidget()) {
+                    QKeyEvent press(QEvent::KeyPress, Qt::Key_Left, Qt::NoModifier);
+                    QApplication::sendEvent(target, &press);
+                    QKeyEvent release(QEvent::KeyRelease, Qt::Key_Left, Qt::NoModifier);
+                    QApplication::sendEvent(target, &release);
+                }
+            });
+        });
+    }
     if (form.Left == 0 && form.Top == 0) {
         // A form with no place of its own is centred on the screen.
         binding->Sync();
@@ -129,6 +153,8 @@ void QtDesktop::ShowModal(form::Form& form) {
     }
     binding->OnVisibleChanged = nullptr;
     binding->OnFormKeyPress = nullptr;
+    binding->OnFormKeyDown = nullptr;
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) box->SendKey.Connect(nullptr);
     if (!own) window->setWindowModality(Qt::NonModal);
     // The keyboard goes back to the window in front, also without a window manager.
     if (front && front != window && front->isVisible()) front->activateWindow();

@@ -1,5 +1,6 @@
 #include "dialogs/data_dir_move.hpp"
 
+#include "dialogs/options_form.hpp"
 #include "editor/main_form.hpp"
 #include "form/controls.hpp"
 #include "lib/errors.hpp"
@@ -9,12 +10,6 @@
 #include "lib/path_basics.hpp"
 #include "platform/setting_store.hpp"
 #include "store/data_file.hpp"
-
-// The options dialog joins here once its form is in this tree.
-#if __has_include("dialogs/options_form.hpp")
-#include "dialogs/options_form.hpp"
-#define OSTRIVANE_HAVE_OPTIONS_FORM 1
-#endif
 
 namespace ostrivane {
 
@@ -30,13 +25,8 @@ bool FileThere(const std::string& path) {
 
 }  // namespace
 
-#ifdef OSTRIVANE_HAVE_OPTIONS_FORM
 bool MoveDataDirectory(OptionsForm& options, MainForm& frm, SettingStore& settings) {
-    return MoveDataDirectory(options.txtDataDir, frm, settings);
-}
-#endif
-
-bool MoveDataDirectory(form::TextBox& txtDataDir, MainForm& frm, SettingStore& settings) {
+    form::TextBox& txtDataDir = options.txtDataDir;
     const auto ask = [&](const std::string& prompt, int flags) { return frm.dialogs().MsgBox(prompt, flags, kAppTitle); };
     if (txtDataDir.Text().empty()) txtDataDir.SetText(DefaultDataDir());
     const std::string dir = txtDataDir.Text();

@@ -8,13 +8,8 @@ namespace ostrivane {
 class MainForm;
 class OptionsForm;
 class SettingStore;
-namespace form {
-class TextBox;
-}  // namespace form
 
 // False when OK is to stop here (the user declined to create the directory).
 bool MoveDataDirectory(OptionsForm& options, MainForm& frm, SettingStore& settings);
-// The same, given the dialog's txtDataDir.
-bool MoveDataDirectory(form::TextBox& txtDataDir, MainForm& frm, SettingStore& settings);
 
 }  // namespace ostrivane

@@ -208,6 +208,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireAddMarkerEvents();
     WireGrabEvents();
     WireFlashEvents();
+    WireOptionsEvents();
 }
 
 }  // namespace ostrivane

@@ -13,6 +13,7 @@
 //   shell/main_form_startup.cpp    load, settings, unload, stay on top
 //   shell/main_form_commands.cpp   the command channel and the help text
 //   shell/main_form_tray.cpp       the tray icon, its popup, restore
+//   dialogs/main_form_options.cpp  the options dialog and what follows it
 #pragma once
 
 #include <cstdint>
@@ -228,6 +229,9 @@ public:
     void mnuPopupRestore_Click();
     void mnuFileMinToTray_Click();
 
+    // ---- Options dialog (dialogs/main_form_options.cpp) ------------------
+    void mnuOptions_Click();
+
     // ---- Layout (main_form_layout.cpp) -----------------------------------
     void LayOutControls();
 
@@ -250,6 +254,7 @@ private:
     void WireAddMarkerEvents();
     void WireGrabEvents();
     void WireFlashEvents();
+    void WireOptionsEvents();
 
     Dialogs& dialogs_;
     Overlay& overlay_;
