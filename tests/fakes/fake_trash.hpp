@@ -3,8 +3,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-#include <system_error>
 #include <vector>
 
 #include "platform/trash.hpp"
@@ -18,9 +16,7 @@ public:
     bool MoveToTrash(const std::string& path) override {
         if (refuse) return false;
         taken.push_back(path);
-        std::error_code ec;
-        std::filesystem::remove_all(path, ec);
-        return !ec;
+        return std::filesystem::remove_all(path) > 0;
     }
 };
 

@@ -69,10 +69,9 @@ TEST(GetNextFile, SortedDepthFirstWithSkips) {
     enum Act { Next, Skip, OpenNext };
     struct Step { Act act; std::string expected; bool entered; };
     const struct { const char* name; std::vector<Step> steps; } walks[] = {
-        {"whole",
-         {{Next, "a.txt", true}, {Next, "B.txt", false}, {Next, "caf\xe9.ini", false},
-          {Next, "name with space.ini", false}, {Next, "noext", false}, {Next, "x1/xa.txt", true},
-          {Next, "x1/y.txt", false}, {Next, "x1/sub/xb.txt", true}, {Next, "y/x2.txt", true}, {Next, "", false}}},
+        {"whole", {{Next, "a.txt", true}, {Next, "B.txt", false}, {Next, "caf\xe9.ini", false}, {Next, "name with space.ini", false},
+                   {Next, "noext", false}, {Next, "x1/xa.txt", true}, {Next, "x1/y.txt", false},
+                   {Next, "x1/sub/xb.txt", true}, {Next, "y/x2.txt", true}, {Next, "", false}}},
         {"skips", {{Next, "a.txt", true}, {OpenNext, "x1/xa.txt", true}, {Skip, "y/x2.txt", true}, {Skip, "", false}}},
     };
     for (const auto& walk : walks) {
