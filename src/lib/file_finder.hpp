@@ -70,9 +70,10 @@ inline constexpr int kMaxWalkDepth = 100;
 // start directory and whether to walk subdirectories; each call gives the
 // next file's bare name and its directory relative to the start, each
 // element followed by "/". A non-empty openDirNext goes on with the
-// subdirectories at once, skipDir leaves the present directory. False ends
-// the walk; a missing start directory and the limits are told with the
-// library's critical box.
+// subdirectories at once, skipDir leaves the present directory. Names that
+// begin with "." are left out, and a directory "pagefile.sys" is not entered.
+// False ends the walk; a missing start directory and the limits are told with
+// the library's critical box.
 bool lib_GetNextFile(Desktop& desktop, bool pblnStart, const std::string& pstrFilespec,
                      const std::string& pstrStartDir, bool pblnInclSubs, std::string& pstrFoundFile,
                      std::string& pstrRelDir, bool& pblnDirEntered, const std::string& pstrOpenDirNext,

@@ -205,7 +205,8 @@ bool CopyOne(Desktop& desktop, const std::string& source, const std::string& tar
         lib_CopyTempPath.clear();
         RaiseFileError("Vexil.lib_CopyFile", "Failed to copy file\r\nCould not delete existing target file");
     }
-    std::rename(lib_CopyTempPath.c_str(), target.c_str());
+    // The source still stands when the new name cannot be taken; no stray copy is left.
+    if (std::rename(lib_CopyTempPath.c_str(), target.c_str()) != 0) RemoveFile(lib_CopyTempPath);
     lib_CopyTempPath.clear();
     if (!lib_FileExists(target, found, true)) return false;
     lib_SetFileTimes(target, times, true);
@@ -322,7 +323,7 @@ bool lib_MoveFile(Desktop& desktop, const std::string& pstrSource, const std::st
 bool lib_Deltree(Desktop& desktop, const std::string& pstrDir, bool pblnWalk, std::int16_t pintMsgValue,
                  bool pblnNoRecycle) {
     std::string path = Trim(pstrDir);
-    if (lib_GetDriveOrShare(path, true).empty()) {
+    if (!path.starts_with('/') || lib_GetDriveOrShare(path, true).empty()) {
         lib_ShowCritical(desktop, "Directory " + pstrDir + " invalid (either no drive,share or dir specified)",
                          pintMsgValue);
         return false;
