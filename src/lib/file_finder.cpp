@@ -88,7 +88,7 @@ bool lib_clsFindFiles::FindFirstFile(const std::string& filespec, const std::str
         start = lib_GetFolder(filespec, true, true);
         if (start.empty() && slash == 0) start = "/";
     }
-    for (std::size_t at; (at = mask_.find("*.*")) != std::string::npos;) mask_.replace(at, 3, "*");
+    for (std::size_t at = 0; (at = mask_.find("*.*", at)) != std::string::npos; ++at) mask_.replace(at, 3, "*");
     searchText_ = inclSubs ? std::string("*") : mask_;
     dir_ = start;
     levels_.push_back(std::make_unique<Level>());
