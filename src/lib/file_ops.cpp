@@ -376,8 +376,8 @@ bool lib_SetFileTimes(const std::string& pstrFile, const FileTimes& times, bool 
     }
     bool ok = false;
     if (fd >= 0) {
-        const auto spec = [](std::int64_t n) { return timespec{n / 1'000'000'000, n % 1'000'000'000}; };
-        const timespec both[2] = {spec(times.lastAccess), spec(times.lastWrite)};
+        const auto toTimespec = [](std::int64_t n) { return timespec{n / 1'000'000'000, n % 1'000'000'000}; };
+        const timespec both[2] = {toTimespec(times.lastAccess), toTimespec(times.lastWrite)};
         ok = ::futimens(fd, both) == 0 || Fail();
         ::close(fd);
     }

@@ -33,7 +33,7 @@ TEST(FindFiles, MasksLevelsAndSearchTypes) {
     TempDir dir;
     MakeTree(dir.path());
     const std::string root = dir.path().string();
-    const struct { std::string spec, start; bool subs; std::int32_t type; std::set<std::string> found; } rows[] = {
+    const struct { std::string pattern, start; bool subs; std::int32_t type; std::set<std::string> found; } rows[] = {
         {"*.*", root, false, kFindFilesOnly,
          {"a.txt", "B.txt", "caf\xe9.ini", "name with space.ini", ".hidden", "noext"}},
         {"*.TXT", root, false, kFindFilesOnly, {"a.txt", "B.txt"}},
@@ -46,11 +46,11 @@ TEST(FindFiles, MasksLevelsAndSearchTypes) {
         {"*", root + "/missing", true, kFindFilesAndDirs, {}},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.spec + " in " + row.start);
+        SCOPED_TRACE(row.pattern + " in " + row.start);
         lib_clsFindFiles finder;
         finder.SearchType(row.type);
         std::set<std::string> found;
-        for (bool ok = finder.FindFirstFile(row.spec, row.start, row.subs); ok; ok = finder.FindNextFile()) {
+        for (bool ok = finder.FindFirstFile(row.pattern, row.start, row.subs); ok; ok = finder.FindNextFile()) {
             const std::string rel = lib_JoinPath(finder.RecursedDir(), finder.File(), true);
             EXPECT_TRUE(found.insert(finder.IsDir() ? rel + "/" : rel).second) << "twice: " << rel;
             EXPECT_EQ(finder.FullFile(), lib_JoinPath(finder.Dir(), rel, true));
