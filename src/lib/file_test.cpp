@@ -68,6 +68,7 @@ bool KillFile(const std::string& file, bool noRecycle) {
 }  // namespace
 
 void lib_AttachTrash(Trash* trash) { trashCan = trash; }
+Trash* lib_AttachedTrash() { return trashCan; }
 
 bool lib_FileExists(const std::string& file, std::string& foundFile, bool nameOnly) {
     const fs::path path(Unquoted(file));

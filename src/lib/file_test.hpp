@@ -9,6 +9,7 @@ class Trash;
 
 // Where lib_KillFile sends files; without one every deletion is for good.
 void lib_AttachTrash(Trash* trash);
+Trash* lib_AttachedTrash();
 
 // True when a file, not a directory, matches the path, whose last part may
 // hold the wildcards * and ?. foundFile receives the bare name of the first

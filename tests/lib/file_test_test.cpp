@@ -6,25 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "fakes/fake_trash.hpp"
 #include "lib/file_test.hpp"
-#include "platform/trash.hpp"
 #include "support/temp_dir.hpp"
 
 namespace ostrivane::testing {
 namespace {
-
-// Takes a file away as the desktop's trash would, or refuses it.
-class FakeTrash final : public Trash {
-public:
-    bool refuse = false;
-    std::vector<std::string> taken;
-    bool MoveToTrash(const std::string& path) override {
-        if (refuse) return false;
-        taken.push_back(path);
-        std::filesystem::remove(path);
-        return true;
-    }
-};
 
 TEST(FileTest, ExistsMatchesFilesNotDirectoriesWithWildcards) {
     TempDir dir;
@@ -52,7 +39,7 @@ TEST(FileTest, ExistsMatchesFilesNotDirectoriesWithWildcards) {
 
 TEST(FileTest, KillGoesToTheTrashOrForGood) {
     TempDir dir;
-    FakeTrash trash;
+    fakes::FakeTrash trash;
     lib_AttachTrash(&trash);
     const std::string file = dir.file("Bench_Export.ini");
     const struct { bool noRecycle, refuse; std::size_t trashed; } rows[] = {

@@ -16,8 +16,8 @@ namespace ostrivane {
 
 class TempDir {
 public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "ostrivane-test-XXXXXX").string();
+    explicit TempDir(const std::filesystem::path& under = std::filesystem::temp_directory_path()) {
+        std::string pattern = (under / "ostrivane-test-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a temporary directory " + pattern);
         path_ = pattern;
     }
