@@ -14,10 +14,12 @@
 #include "desktop/qt_desktop.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/qt_trash.hpp"
 #include "desktop/x11_input.hpp"
 #include "desktop/x11_window_system.hpp"
 #include "desktop/xcb_line_windows.hpp"
 #include "editor/main_form.hpp"
+#include "lib/file_test.hpp"
 #include "lib/window_helpers.hpp"
 #include "overlay/marker_windows.hpp"
 #include "store/data_file.hpp"
@@ -41,6 +43,8 @@ extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     desktop::QtDesktop desk;
     desktop::X11WindowSystem windowSystem;
     lib_AttachBusyCursor(&windowSystem);  // the hourglass of lib_SetBusy
+    desktop::QtTrash trash;
+    lib_AttachTrash(&trash);
     MarkerWindows overlay(lineWindows, desk);
     desktop::X11Input input;
     MainForm frm(dialogs, overlay, desk, input);

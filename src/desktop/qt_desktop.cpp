@@ -21,6 +21,7 @@
 #include "desktop/instance_socket.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/tray_icon.hpp"
+#include "desktop/xcb_basics.hpp"
 #include "dialogs/msgbox_form.hpp"
 #include "form/form.hpp"
 
@@ -48,7 +49,12 @@ std::int32_t QtDesktop::GetSystemMetrics(int index) {
 
 bool QtDesktop::IsForegroundWindow(form::Form& form) {
     QtFormBinding* binding = QtFormBinding::For(form);
-    return binding != nullptr && binding->Window()->isVisible() && binding->Window()->isActiveWindow();
+    if (binding == nullptr || !binding->Window()->isVisible()) return false;
+    // Qt takes a focus loss for real only some 400 ms later (in case the
+    // focus comes back to one of its windows); the server knows at once.
+    if (xcb_connection_t* conn = QtConnection())
+        return HasInputFocus(conn, static_cast<xcb_window_t>(binding->Window()->winId()));
+    return binding->Window()->isActiveWindow();
 }
 
 void QtDesktop::SetForegroundWindow(form::Form& form) {

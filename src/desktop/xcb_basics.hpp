@@ -12,5 +12,7 @@ xcb_connection_t* QtConnection();
 int DefaultScreenNumber();
 // XCB_ATOM_NONE when the server does not answer.
 xcb_atom_t Atom(xcb_connection_t* conn, const char* name);
+// Whether the keyboard focus is on the window or inside it, as the server has it now.
+bool HasInputFocus(xcb_connection_t* conn, xcb_window_t window);
 
 }  // namespace ostrivane::desktop

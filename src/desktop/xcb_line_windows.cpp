@@ -3,6 +3,7 @@
 
 #include <xcb/shape.h>
 #include <xcb/xcb.h>
+#include <xcb/xfixes.h>
 
 #include <QGuiApplication>
 #include <QSocketNotifier>
@@ -12,9 +13,11 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "desktop/x_pixels.hpp"
+#include "desktop/xcb_client.hpp"
 
 namespace ostrivane::desktop {
 
@@ -48,8 +51,9 @@ xcb_rectangle_t WholeWindow(const PixelRect& rect) {
 
 }  // namespace
 
-// Watches the top-level windows through a connection of its own, which
-// leaves alone the event mask that Qt keeps on the root window.
+// Watches the top-level windows and the compositing manager's selection
+// through a connection of its own, which leaves alone the event mask that
+// Qt keeps on the root window.
 class XcbLineWindows::StackWatcher {
 public:
     explicit StackWatcher(XcbLineWindows& owner) : owner_(owner) {
@@ -59,9 +63,24 @@ public:
         if (screen == nullptr) return;
         const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_change_window_attributes(conn_, screen->root, XCB_CW_EVENT_MASK, &mask);
+        const xcb_query_extension_reply_t* xfixes = xcb_get_extension_data(conn_, &xcb_xfixes_id);
+        if (xfixes != nullptr && xfixes->present != 0 && owner_.compositorAtom_ != XCB_ATOM_NONE) {
+            selectionEvent_ = static_cast<std::uint8_t>(xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY);
+            const Reply<xcb_xfixes_query_version_reply_t> version(
+                xcb_xfixes_query_version_reply(conn_, xcb_xfixes_query_version(conn_, 1, 0), nullptr));
+            xcb_xfixes_select_selection_input(conn_, screen->root, owner_.compositorAtom_,
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                                  XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                                  XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+            // Asked again now that a change cannot slip by unseen.
+            const Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+                conn_, xcb_get_selection_owner(conn_, owner_.compositorAtom_), nullptr));
+            if (owner) owner_.SetComposited(owner->owner != XCB_NONE);
+        }
         xcb_flush(conn_);
         notifier_ = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(conn_), QSocketNotifier::Read);
         QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { Drain(); });
+        Drain();  // the replies above may have brought events along
     }
     ~StackWatcher() {
         notifier_.reset();
@@ -76,7 +95,13 @@ private:
     void Drain() {
         bool raise = false;
         while (xcb_generic_event_t* event = xcb_poll_for_event(conn_)) {
-            switch (event->response_type & 0x7F) {
+            const std::uint8_t type = event->response_type & 0x7F;
+            if (type == selectionEvent_ && selectionEvent_ != 0) {
+                const auto* change = reinterpret_cast<xcb_xfixes_selection_notify_event_t*>(event);
+                owner_.SetComposited(change->subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER &&
+                                     change->owner != XCB_NONE);
+            }
+            switch (type) {
                 case XCB_MAP_NOTIFY:
                     raise = raise || reinterpret_cast<xcb_map_notify_event_t*>(event)->override_redirect == 0;
                     break;
@@ -92,6 +117,7 @@ private:
 
     XcbLineWindows& owner_;
     xcb_connection_t* conn_ = nullptr;
+    std::uint8_t selectionEvent_ = 0;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
@@ -128,6 +154,12 @@ void XcbLineWindows::Init(int screenNumber) {
     const xcb_query_extension_reply_t* shape = xcb_get_extension_data(conn_, &xcb_shape_id);
     shape_ = shape != nullptr && shape->present != 0;
     opacityAtom_ = Atom(conn_, "_NET_WM_WINDOW_OPACITY");
+    compositorAtom_ = Atom(conn_, ("_NET_WM_CM_S" + std::to_string(screenNumber)).c_str());
+    if (compositorAtom_ != XCB_ATOM_NONE) {
+        const Reply<xcb_get_selection_owner_reply_t> owner(
+            xcb_get_selection_owner_reply(conn_, xcb_get_selection_owner(conn_, compositorAtom_), nullptr));
+        composited_ = owner && owner->owner != XCB_NONE;
+    }
     gc_ = xcb_generate_id(conn_);
     const std::uint32_t graphicsExposures = 0;
     xcb_create_gc(conn_, gc_, root_, XCB_GC_GRAPHICS_EXPOSURES, &graphicsExposures);
@@ -232,28 +264,47 @@ WindowHandle XcbLineWindows::CreateLineWindow(const std::string& className, cons
     state.rect = rect;
     state.mapped = false;
     state.layered = layered;
-    if (Visible(rect.width, rect.height)) {
-        xcb_map_window(conn_, window);
-        state.mapped = true;
-    }
     const std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(conn_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    ApplyMapState(window, state);
     xcb_flush(conn_);
     return static_cast<WindowHandle>(window);
 }
 
 void XcbLineWindows::SetAlpha(WindowHandle window, std::uint8_t alpha) {
     const auto it = windows_.find(window);
-    if (conn_ == nullptr || it == windows_.end() || !it->second.layered || opacityAtom_ == XCB_ATOM_NONE) return;
-    const std::uint32_t opacity = OpacityCardinal(alpha);
-    xcb_change_property(conn_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), opacityAtom_,
-                        XCB_ATOM_CARDINAL, 32, 1, &opacity);
+    if (conn_ == nullptr || it == windows_.end() || !it->second.layered) return;
+    it->second.transparent = alpha == 0;
+    if (opacityAtom_ != XCB_ATOM_NONE) {
+        const std::uint32_t opacity = OpacityCardinal(alpha);
+        xcb_change_property(conn_, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), opacityAtom_,
+                            XCB_ATOM_CARDINAL, 32, 1, &opacity);
+    }
+    ApplyMapState(static_cast<xcb_window_t>(window), it->second);
+    xcb_flush(conn_);
+}
+
+void XcbLineWindows::ApplyMapState(std::uint32_t window, LineWindow& state) {
+    const bool show = Visible(state.rect.width, state.rect.height) && !(state.transparent && !composited_);
+    if (show && !state.mapped) {
+        xcb_map_window(conn_, window);
+        // Others may have come up while it was away.
+        const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(conn_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    }
+    if (!show && state.mapped) xcb_unmap_window(conn_, window);
+    state.mapped = show;
+}
+
+void XcbLineWindows::SetComposited(bool composited) {
+    if (conn_ == nullptr || composited == composited_) return;
+    composited_ = composited;
+    for (auto& [handle, state] : windows_) ApplyMapState(static_cast<xcb_window_t>(handle), state);
     xcb_flush(conn_);
 }
 
 void XcbLineWindows::Place(std::uint32_t window, LineWindow& state, const PixelRect& rect) {
     state.rect = rect;
-    const bool visible = Visible(rect.width, rect.height);
     // Raised on every move as well, so that the lines stay above windows raised since.
     const std::array<std::uint32_t, 5> values{
         static_cast<std::uint32_t>(static_cast<std::int32_t>(ClampPosition(rect.left))),
@@ -263,9 +314,7 @@ void XcbLineWindows::Place(std::uint32_t window, LineWindow& state, const PixelR
                          XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
                              XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
                          values.data());
-    if (visible && !state.mapped) xcb_map_window(conn_, window);
-    if (!visible && state.mapped) xcb_unmap_window(conn_, window);
-    state.mapped = visible;
+    ApplyMapState(window, state);
 }
 
 void XcbLineWindows::RaiseAll() {

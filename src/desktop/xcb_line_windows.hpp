@@ -5,6 +5,9 @@
 // carry their alpha in _NET_WM_WINDOW_OPACITY for the compositor. Nothing
 // makes an X window topmost for good, so the lines are raised again each
 // time an ordinary (managed) window is mapped or restacked above them.
+// The alpha only shows where a compositing manager runs; where none owns
+// _NET_WM_CM_S<screen>, alpha 0 unmaps a layered window and any other alpha
+// maps it again, so that a flash still blinks.
 #pragma once
 
 #include <cstdint>
@@ -57,6 +60,7 @@ private:
         PixelRect rect;
         bool mapped = false;
         bool layered = true;
+        bool transparent = false;  // alpha 0
     };
 
     void Init(int screenNumber);
@@ -64,6 +68,8 @@ private:
     std::uint32_t MakeHatchTile(std::uint32_t pixel);
     void Place(std::uint32_t window, LineWindow& state, const PixelRect& rect);
     void RaiseAll();
+    void ApplyMapState(std::uint32_t window, LineWindow& state);
+    void SetComposited(bool composited);
 
     xcb_connection_t* conn_ = nullptr;
     std::uint32_t root_ = 0;
@@ -76,6 +82,8 @@ private:
     bool shape_ = false;
     std::uint32_t gc_ = 0;
     std::uint32_t opacityAtom_ = 0;
+    std::uint32_t compositorAtom_ = 0;
+    bool composited_ = false;
 
     std::map<std::string, LineClass> classes_;
     std::unordered_map<WindowHandle, LineWindow> windows_;

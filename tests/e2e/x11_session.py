@@ -16,6 +16,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 SKIP = 77
@@ -213,10 +214,48 @@ class Session:
         done = self.probe_run("clipboard")
         return done.stdout if done.returncode == 0 else None
 
+    def start_wm(self):
+        if shutil.which("openbox") is None:
+            raise Skip("openbox is not installed (scripts/install-deps installs it)")
+        self.start_other(["openbox"])
+        poll(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in self.x("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
+             "openbox to manage the screen")
+
+    def client(self, title):
+        """A managed window by its exact title, once it shows."""
+        return poll(lambda: self.x("xdotool", "search", "--onlyvisible", "--name", f"^{title}$", check_rc=False).split(),
+                    f"the window {title!r}")[0]
+
     def click(self, wid, x, y, button=1):
         """A click at x, y inside a window, with real pointer events."""
         self.x("xdotool", "mousemove", "--window", wid, str(x), str(y))
         self.x("xdotool", "click", str(button))
+
+
+class Target:
+    """x11_probe's "target" window under the given rectangle: the key and
+    button events it receives, as lines."""
+
+    def __init__(self, session, rect):
+        self.proc = subprocess.Popen([session.probe, "target", *map(str, rect)], env=session.env,
+                                     stdout=subprocess.PIPE, text=True)
+        session.extra.append(self.proc)
+        self.lines, self.lock = [], threading.Lock()
+        threading.Thread(target=self._read, daemon=True).start()
+        self.id = poll(lambda: session.titled("target"), "the target window")[0].id
+
+    def _read(self):
+        for line in self.proc.stdout:
+            with self.lock:
+                self.lines.append(line.strip())
+
+    def take(self, count=0, settle=0.4):
+        """What came since the last take, once count lines (and any in flight) have arrived."""
+        poll(lambda: len(self.lines) >= count, f"{count} events at the target")
+        time.sleep(settle)
+        with self.lock:
+            got, self.lines[:] = list(self.lines), []
+        return got
 
 
 class Image:
