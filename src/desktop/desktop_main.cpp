@@ -19,6 +19,7 @@
 #include "desktop/x11_window_system.hpp"
 #include "desktop/xcb_line_windows.hpp"
 #include "editor/main_form.hpp"
+#include "lib/error_handler.hpp"
 #include "lib/file_test.hpp"
 #include "lib/window_helpers.hpp"
 #include "overlay/marker_windows.hpp"
@@ -45,6 +46,7 @@ extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     lib_AttachBusyCursor(&windowSystem);  // the hourglass of lib_SetBusy
     desktop::QtTrash trash;
     lib_AttachTrash(&trash);
+    lib_AttachErrorBoxes(&desk, &dialogs, kAppTitle);
     MarkerWindows overlay(lineWindows, desk);
     desktop::X11Input input;
     MainForm frm(dialogs, overlay, desk, input);

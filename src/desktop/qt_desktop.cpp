@@ -20,8 +20,10 @@
 #include "desktop/instance_channel.hpp"
 #include "desktop/instance_socket.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/qt_input_box.hpp"
 #include "desktop/tray_icon.hpp"
 #include "desktop/xcb_basics.hpp"
+#include "dialogs/input_box_form.hpp"
 #include "dialogs/msgbox_form.hpp"
 #include "form/form.hpp"
 
@@ -37,6 +39,12 @@ QtDesktop::~QtDesktop() = default;
 
 std::int32_t QtDesktop::GetSystemMetrics(int index) {
     // In device pixels, the unit of the line windows.
+    if (index == SM_CXSCREEN || index == SM_CYSCREEN) {
+        const QScreen* primary = QGuiApplication::primaryScreen();
+        if (!primary) return 0;
+        const QSize size = primary->geometry().size() * primary->devicePixelRatio();
+        return index == SM_CXSCREEN ? size.width() : size.height();
+    }
     std::vector<ScreenRect> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect g = screen->geometry();
@@ -102,6 +110,7 @@ void QtDesktop::ShowModal(form::Form& form) {
             text->document()->setDocumentMargin(0);
         }
     }
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) AttachInputBox(*binding, *box);
     if (form.Left == 0 && form.Top == 0) {
         // A form with no place of its own is centred on the screen.
         binding->Sync();
@@ -129,6 +138,7 @@ void QtDesktop::ShowModal(form::Form& form) {
     }
     binding->OnVisibleChanged = nullptr;
     binding->OnFormKeyPress = nullptr;
+    if (auto* box = dynamic_cast<InputBoxForm*>(&form)) DetachInputBox(*binding, *box);
     if (!own) window->setWindowModality(Qt::NonModal);
     // The keyboard goes back to the window in front, also without a window manager.
     if (front && front != window && front->isVisible()) front->activateWindow();

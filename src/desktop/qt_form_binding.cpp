@@ -210,7 +210,7 @@ void QtFormBinding::CreateControl(Control& c) {
         q->setAlignment(Qt::AlignCenter);
         b.widget = q;
     } else if (auto* box = dynamic_cast<form::TextBox*>(&c)) {
-        if (box->MultiLine) {
+        if (box->MultiLine && box->PasswordChar == '\0') {
             auto* q = new QPlainTextEdit(content_);
             q->setTabChangesFocus(true);
             // No scroll bars, as a multi-line box has them by default; a thin margin.
@@ -227,6 +227,12 @@ void QtFormBinding::CreateControl(Control& c) {
         } else {
             auto* q = new QLineEdit(content_);
             q->setMaxLength(65535);
+            // A masked box shows its mask character for each one.
+            if (box->PasswordChar != '\0') {
+                q->setEchoMode(QLineEdit::Password);
+                q->setStyleSheet(QString("QLineEdit { lineedit-password-character: %1 }")
+                                     .arg(static_cast<unsigned char>(box->PasswordChar)));
+            }
             // Edits that are no typed character (Delete, paste, cut, undo).
             connect(q, &QLineEdit::textEdited, this, [this, box, q](const QString& text) {
                 if (syncing_) return;
@@ -709,6 +715,52 @@ bool QtFormBinding::IsMenuShortcut(const QKeyEvent* event) const {
     return std::any_of(shortcuts_.begin(), shortcuts_.end(), [&](const QKeySequence& s) { return s == pressed; });
 }
 
+namespace {
+
+// The key codes of the system for the keys a handler looks at.
+int KeyCodeOf(const QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter: return 13;
+        case Qt::Key_Escape: return 27;
+        case Qt::Key_End: return 35;
+        case Qt::Key_Home: return 36;
+        case Qt::Key_Left: return 37;
+        case Qt::Key_Up: return 38;
+        case Qt::Key_Right: return 39;
+        case Qt::Key_Down: return 40;
+        case Qt::Key_F2: return 113;
+        default: return event->key() < 256 ? event->key() : 256;
+    }
+}
+
+}  // namespace
+
+bool QtFormBinding::OnKeyDown(QWidget* widget, QKeyEvent* event) {
+    if (OnFormKeyDown) {
+        const int code = KeyCodeOf(event);
+        int key = code;
+        Enter([this, &key] { OnFormKeyDown(key); });
+        if (key != code) return true;
+        // The handler may have closed the form.
+        if (!form_.Visible()) return true;
+    }
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool escape = event->key() == Qt::Key_Escape;
+    if (!(enter || escape) || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return false;
+    // A button with the focus takes Enter itself.
+    if (enter && qobject_cast<QPushButton*>(widget)) return false;
+    for (auto& entry : bound_) {
+        auto* button = dynamic_cast<form::CommandButton*>(entry.second.control);
+        if (!button || !button->Visible() || !button->Enabled()) continue;
+        if ((enter && button->Default) || (escape && button->Cancel)) {
+            Enter([button] { button->PerformClick(); });
+            return true;
+        }
+    }
+    return false;
+}
+
 bool QtFormBinding::OnKeyPress(Control* control, QWidget* widget, QKeyEvent* event) {
     const QList<uint> codes = event->text().toUcs4();
     if (codes.size() != 1) return false;
@@ -813,6 +865,7 @@ bool QtFormBinding::eventFilter(QObject* watched, QEvent* event) {
             return false;
         case QEvent::KeyPress:
             if (syncing_) return false;
+            if (OnKeyDown(widget, static_cast<QKeyEvent*>(event))) return true;
             return OnKeyPress(&control, widget, static_cast<QKeyEvent*>(event));
         case QEvent::KeyRelease: {
             auto* check = dynamic_cast<form::CheckBox*>(&control);

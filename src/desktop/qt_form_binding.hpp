@@ -52,6 +52,10 @@ public:
     // A key typed anywhere on the form, before its control sees it
     // (0 drops it).
     std::function<void(int& key)> OnFormKeyPress;
+    // A key going down in a control of the form, as a key code (13 Enter,
+    // 37 Left, 113 F2, ...), before the control sees it. A handler that
+    // changes the code keeps the key from the control.
+    std::function<void(int& keyCode)> OnFormKeyDown;
     // Told each time the model's form shows or hides.
     std::function<void()> OnVisibleChanged;
 
@@ -112,6 +116,7 @@ private:
     bool OnKeyPress(form::Control* control, QWidget* widget, QKeyEvent* event);
     bool OnMouse(form::Control& control, QEvent* event);
     bool IsMenuShortcut(const QKeyEvent* event) const;
+    bool OnKeyDown(QWidget* widget, QKeyEvent* event);
 
     form::Form& form_;
     std::unique_ptr<FormWindow> window_;

@@ -201,6 +201,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireMarkerEvents();
     WireNudgeEvents();
     WireGroupEvents();
+    WireExchangeEvents();
     WireShowEvents();
     WireStartupEvents();
     WireCommandEvents();
@@ -208,6 +209,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireAddMarkerEvents();
     WireGrabEvents();
     WireFlashEvents();
+    WireOptionsEvents();
 }
 
 }  // namespace ostrivane

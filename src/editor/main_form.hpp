@@ -7,16 +7,19 @@
 //   main_form_markers.cpp   append, delete, duplicate
 //   main_form_nudge.cpp     the four nudge bars
 //   main_form_groups.cpp    group list, load, save, rename, delete, deselect
+//   main_form_exchange.cpp  export of the loaded group, import with a rescaled copy
 //   main_form_layout.cpp    where the controls stand, in twips
 // and, in the folders of their subsystems:
 //   overlay/main_form_show.cpp     Go: the switch between stopped and showing
 //   shell/main_form_startup.cpp    load, settings, unload, stay on top
 //   shell/main_form_commands.cpp   the command channel and the help text
 //   shell/main_form_tray.cpp       the tray icon, its popup, restore
+//   dialogs/main_form_options.cpp  the options dialog and what follows it
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "form/controls.hpp"
@@ -174,6 +177,16 @@ public:
     void ClearGroupSelection();
     void LoadGroup();
     void lstGroups_DblClick();
+    // The first item naming the same section as text: the file matches
+    // section names without regard to case.
+    static std::int16_t FindSectionInList(const form::ListBox& list, const std::string& text);
+    // After a group write of the data file: false, with a warning that names
+    // the file and the system's reason, when it failed.
+    bool GroupWriteWorked(bool written, std::string_view group, std::string_view operation);
+
+    // ---- Export and import (main_form_exchange.cpp) ----------------------
+    void ExportGroup();
+    void ImportGroup();
 
     // ---- Show and stop (overlay/main_form_show.cpp) ---------------------
     void Go();
@@ -228,6 +241,9 @@ public:
     void mnuPopupRestore_Click();
     void mnuFileMinToTray_Click();
 
+    // ---- Options dialog (dialogs/main_form_options.cpp) ------------------
+    void mnuOptions_Click();
+
     // ---- Layout (main_form_layout.cpp) -----------------------------------
     void LayOutControls();
 
@@ -243,6 +259,7 @@ private:
     void WireMarkerEvents();
     void WireNudgeEvents();
     void WireGroupEvents();
+    void WireExchangeEvents();
     void WireShowEvents();
     void WireStartupEvents();
     void WireCommandEvents();
@@ -250,6 +267,7 @@ private:
     void WireAddMarkerEvents();
     void WireGrabEvents();
     void WireFlashEvents();
+    void WireOptionsEvents();
 
     Dialogs& dialogs_;
     Overlay& overlay_;

@@ -66,14 +66,6 @@ std::vector<std::string> ReadTextLines(const std::string& path) {
     return lines;
 }
 
-// The first item that names the same section as text: the file matches
-// section names without regard to case.
-std::int16_t FindSectionInList(const form::ListBox& list, const std::string& text) {
-    for (int i = 0; i < list.ListCount(); ++i)
-        if (EqualsNoCase(list.List(i), text)) return CheckedInt16(i);
-    return -1;
-}
-
 // A group write that failed leaves the user's work unsaved: PromptToSave
 // must not clear Dirty behind it, as it does after a save.
 bool groupWriteFailed = false;
@@ -134,6 +126,16 @@ std::int16_t MainForm::FindInList(const form::ListBox& list, const std::string& 
     for (int i = 0; i < list.ListCount(); ++i)
         if (list.List(i) == text) return CheckedInt16(i);
     return -1;
+}
+
+std::int16_t MainForm::FindSectionInList(const form::ListBox& list, const std::string& text) {
+    for (int i = 0; i < list.ListCount(); ++i)
+        if (EqualsNoCase(list.List(i), text)) return CheckedInt16(i);
+    return -1;
+}
+
+bool MainForm::GroupWriteWorked(bool written, std::string_view group, std::string_view operation) {
+    return GroupWritten(*this, written, group, operation);
 }
 
 void MainForm::LoadGroupList() {

@@ -111,6 +111,8 @@ public:
     void SetForeColor(std::int32_t colour);
     bool Locked = false;
     bool MultiLine = false;
+    // Shown for each character instead of it; none: the text itself.
+    char PasswordChar = '\0';
     std::vector<std::int32_t> TabStops;  // in dialog units; empty: the usual every 32
 
     // A typed character: the handler may change it, 0 drops it. Returns the
@@ -136,6 +138,10 @@ public:
     void SetCaption(std::string caption);
     // A press, the user's or the program's.
     void PerformClick() { Click.Raise(); }
+    // Enter anywhere on the form presses the default button, Esc the
+    // cancel button; the focus stays where it is, so no Validate runs.
+    bool Default = false;
+    bool Cancel = false;
     Event<> Click;
 
 private:

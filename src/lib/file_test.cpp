@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "lib/error_handler.hpp"
 #include "platform/trash.hpp"
 
 namespace ostrivane {
@@ -48,6 +49,22 @@ bool IsGone(const std::string& file) {
     return !lib_FileExists(file, found, true);
 }
 
+bool KillFile(const std::string& file, bool noRecycle) {
+    if (IsGone(file)) return true;
+    const std::string path = Unquoted(file);
+    if (!noRecycle && trashCan != nullptr) {
+        trashCan->MoveToTrash(path);
+    } else {
+        std::error_code ec;
+        fs::remove(path, ec);
+    }
+    if (IsGone(file)) return true;
+    if (lib_IsFileLocked(path)) return false;
+    std::error_code ec;
+    fs::remove(path, ec);
+    return IsGone(file);
+}
+
 }  // namespace
 
 void lib_AttachTrash(Trash* trash) { trashCan = trash; }
@@ -77,19 +94,7 @@ bool lib_FileExists(const std::string& file, std::string& foundFile, bool nameOn
 }
 
 bool lib_KillFile(const std::string& file, bool noRecycle) {
-    if (IsGone(file)) return true;
-    const std::string path = Unquoted(file);
-    if (!noRecycle && trashCan != nullptr) {
-        trashCan->MoveToTrash(path);
-    } else {
-        std::error_code ec;
-        fs::remove(path, ec);
-    }
-    if (IsGone(file)) return true;
-    if (lib_IsFileLocked(path)) return false;
-    std::error_code ec;
-    fs::remove(path, ec);
-    return IsGone(file);
+    return lib_RunTraced("Vexil.lib_KillFile", "File:" + file, [&] { return KillFile(file, noRecycle); });
 }
 
 bool lib_IsFileLocked(const std::string& file) {

@@ -16,7 +16,7 @@ void lib_AttachTrash(Trash* trash);
 bool lib_FileExists(const std::string& file, std::string& foundFile, bool nameOnly);
 // True when the file is gone afterwards, or was not there. It goes to the
 // trash unless noRecycle; a file the trash refused and nobody holds is
-// deleted for good.
+// deleted for good. A traced routine ("Vexil.lib_KillFile").
 bool lib_KillFile(const std::string& file, bool noRecycle);
 // True when renaming the file onto itself fails with an error other than
 // "not found" and "unavailable".

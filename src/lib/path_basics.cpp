@@ -6,6 +6,7 @@
 #include <system_error>
 #include <vector>
 
+#include "lib/error_handler.hpp"
 #include "lib/errors.hpp"
 #include "lib/line_parser.hpp"
 #include "lib/text.hpp"
@@ -125,7 +126,7 @@ bool lib_DirExists(std::string_view pstrDir) {
 }
 
 bool lib_MakePath(std::string_view pstrPath) {
-    try {
+    return lib_RunTraced("Vexil.lib_MakePath", "Path:" + std::string(pstrPath), [&] {
         if (lib_DirExists(pstrPath)) return true;
         const std::string text = lib_StripQuotes(pstrPath);
 
@@ -156,9 +157,7 @@ bool lib_MakePath(std::string_view pstrPath) {
             if (!lib_DirExists(built)) Raise(kPathFileAccessError);
         }
         return lib_DirExists(text);
-    } catch (const RuntimeError& error) {
-        Raise(error.number(), "Vexil.lib_MakePath", error.description() + "\r\nPath:" + std::string(pstrPath));
-    }
+    });
 }
 
 }  // namespace ostrivane

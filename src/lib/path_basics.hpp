@@ -35,9 +35,9 @@ std::string lib_GetComputerName();
 bool lib_DirExists(std::string_view pstrDir);
 // Makes the directory and its missing parents, one level at a time. A path
 // beginning "//" takes its first two parts (server and share) as they are;
-// any other is built from "/", a relative one too. Raises 75 with the source
-// "Vexil.lib_MakePath" when a level cannot be made. True when the directory
-// exists afterwards.
+// any other is built from "/", a relative one too. A level that cannot be
+// made raises 75, as a traced routine with the source "Vexil.lib_MakePath".
+// True when the directory exists afterwards.
 bool lib_MakePath(std::string_view pstrPath);
 
 }  // namespace ostrivane

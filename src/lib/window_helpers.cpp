@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "lib/error_handler.hpp"
 #include "lib/errors.hpp"
 #include "lib/numbers.hpp"
 #include "lib/profile.hpp"
@@ -27,6 +28,7 @@ int FindItem(const form::ListBox& list, std::string_view value, bool byItemData)
 }  // namespace
 
 bool lib_SelectFindInList(form::ListBox& list, std::string_view value, bool byItemData) {
+    const TracedFrame frame(kSelectFindInListSource, TracedFrame::KeepCursor);
     int index = -1;
     try {
         index = FindItem(list, value, byItemData);
@@ -145,6 +147,8 @@ WindowHandle lib_FindWindowLike(WindowSystem& ws, std::string_view pattern, bool
 bool BusyState = false;
 
 void lib_AttachBusyCursor(WindowSystem* ws) { busyCursor = ws; }
+
+WindowSystem* lib_AttachedWindowSystem() { return busyCursor; }
 
 std::string ForegroundWindowTitle() { return busyCursor ? lib_GetWindowTitle(*busyCursor, 0) : std::string(); }
 

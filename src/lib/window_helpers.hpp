@@ -56,6 +56,9 @@ extern bool BusyState;
 // The window system whose pointer lib_SetBusy switches and whose window in
 // front names the message box; none leaves only the flag and no title.
 void lib_AttachBusyCursor(WindowSystem* ws);
+// That window system, for the file dialogs of callers that hold none; null
+// while none is attached.
+WindowSystem* lib_AttachedWindowSystem();
 // lib_GetWindowTitle of the foreground window, through that window system.
 std::string ForegroundWindowTitle();
 void lib_SetBusy(bool on);

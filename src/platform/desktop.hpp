@@ -13,8 +13,10 @@ class Form;
 class MenuItem;
 }  // namespace form
 
-// Indexes of the virtual-screen metrics.
+// Indexes of the screen metrics: the primary screen, the virtual screen.
 enum SystemMetric : int {
+    SM_CXSCREEN = 0,
+    SM_CYSCREEN = 1,
     SM_XVIRTUALSCREEN = 76,
     SM_YVIRTUALSCREEN = 77,
     SM_CXVIRTUALSCREEN = 78,

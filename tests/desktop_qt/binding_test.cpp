@@ -10,6 +10,8 @@
 #include "desktop/entry_point.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
+#include "desktop/qt_input_box.hpp"
+#include "dialogs/input_box_form.hpp"
 #include "lib/errors.hpp"
 
 namespace ostrivane::desktop {
@@ -271,6 +273,37 @@ TEST(InputBox, HasOneWidthWrapsItsPromptAndStandsWhereItsCallerPutsIt) {
             box->close();
         });
         QtDialogs().InputBox(prompt, "Title", "", at);
+    }
+}
+
+// The library's input box: masked, its first Left swallowed and typed anew
+// after the handler, Enter pressing the default button, Esc the cancel one.
+TEST(LibraryInputBox, KeysReachTheHandlerFirstAndTheButtonsByEnterAndEsc) {
+    for (const Qt::Key last : {Qt::Key_Return, Qt::Key_Escape}) {
+        ScratchText = std::string("Default:=abc\xffLines:=1\xffMaskInput:=True");
+        InputBoxForm box;
+        box.Form_Load();
+        QtFormBinding binding(box);
+        AttachInputBox(binding, box);
+        RunEntryPoint([&] { box.SetVisible(true); });
+        auto* edit = qobject_cast<QLineEdit*>(binding.WidgetOf(box.txtInput));
+        ASSERT_NE(edit, nullptr);
+        EXPECT_EQ(edit->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter, nullptr, edit), '*');
+        binding.Window()->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(binding.Window()));
+        edit->setFocus(Qt::TabFocusReason);
+        QCoreApplication::processEvents();
+        edit->selectAll();
+        QTest::keyClick(edit, Qt::Key_Left);
+        EXPECT_TRUE(edit->hasSelectedText());  // the handler kept it from the box...
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(edit->hasSelectedText());  // ...and typed it anew
+        QTest::keyClick(edit, last);
+        EXPECT_FALSE(box.Visible());
+        box.Unload();
+        EXPECT_EQ(box.txtInput.Text() + (InputCancelled ? "|cancelled" : ""),
+                  last == Qt::Key_Return ? "abc" : "|cancelled");
+        DetachInputBox(binding, box);
     }
 }
 

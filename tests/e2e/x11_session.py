@@ -121,24 +121,29 @@ class Session:
         for d in (self.config, self.data, self.runtime):
             os.makedirs(d, mode=0o700)
         self.data_file = os.path.join(self.data, "Ostrivane", "ostrivane.ini")
+        self.env = {k: v for k, v in os.environ.items()
+                    if not k.startswith(("XDG_", "QT_", "DBUS_SESSION", "WAYLAND"))}
+        self.env.update(HOME=self.tmp, XDG_CONFIG_HOME=self.config, XDG_DATA_HOME=self.data,
+                        XDG_RUNTIME_DIR=self.runtime, QT_QPA_PLATFORM="xcb", NO_AT_BRIDGE="1")
+        self.new_screen(SCREEN_W, SCREEN_H)
+        return self
+
+    def new_screen(self, width, height):
+        """A fresh Xvfb of that size in place of the one before, whose clients go with it."""
+        if self.xvfb is not None:
+            stop(self.xvfb)
         read_end, write_end = os.pipe()
         self.xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{SCREEN_W}x{SCREEN_H}x24",
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
              "-nolisten", "tcp", "-noreset"],
             pass_fds=(write_end,), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write_end)
         # The server writes its display number once it accepts connections.
-        number = b""
         with os.fdopen(read_end, "rb") as f:
             number = f.readline().strip()
         if not number:
             raise Failure("Xvfb did not start")
-        self.env = {k: v for k, v in os.environ.items()
-                    if not k.startswith(("XDG_", "QT_", "DBUS_SESSION", "WAYLAND"))}
-        self.env.update(DISPLAY=":" + number.decode(), HOME=self.tmp, XDG_CONFIG_HOME=self.config,
-                        XDG_DATA_HOME=self.data, XDG_RUNTIME_DIR=self.runtime, QT_QPA_PLATFORM="xcb",
-                        NO_AT_BRIDGE="1")
-        return self
+        self.env["DISPLAY"] = ":" + number.decode()
 
     def __exit__(self, *exc):
         for proc in self.extra + [app.popen for app in self.apps]:

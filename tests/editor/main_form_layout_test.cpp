@@ -4,7 +4,9 @@
 #include <tuple>
 #include <vector>
 
+#include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"
+#include "fakes/memory_setting_store.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -15,22 +17,26 @@ int Right(const form::Control& c) { return c.Left + c.Width; }
 int Bottom(const form::Control& c) { return c.Top + c.Height; }
 
 // Every control a user sees (menus and timers have no place) lies inside the
-// form on whole pixels, and no two overlap.
+// form on whole pixels, and no two overlap; the same holds for the options dialog.
 TEST_F(MainFormLayout, EveryVisibleControlHasItsOwnPlaceInsideTheForm) {
-    std::vector<const form::Control*> placed;
-    for (const auto& [name, c] : frm.Controls())
-        if (!dynamic_cast<const form::MenuItem*>(c) && !dynamic_cast<const form::Timer*>(c) && c->Visible())
-            placed.push_back(c);
-    EXPECT_GE(placed.size(), 40u);
-    for (const form::Control* c : placed) {
-        SCOPED_TRACE(c->Name());
-        EXPECT_TRUE(c->Width > 0 && c->Height > 0 && c->Left >= 0 && c->Top >= 0);
-        EXPECT_LE(Right(*c), frm.Width);
-        EXPECT_LE(Bottom(*c), frm.Height);
-        EXPECT_EQ(std::vector<int>({c->Left % 15, c->Top % 15, c->Width % 15, c->Height % 15}), std::vector<int>(4, 0));
-        for (const form::Control* d : placed)
-            EXPECT_FALSE(c != d && c->Left < Right(*d) && d->Left < Right(*c) && c->Top < Bottom(*d) && d->Top < Bottom(*c))
-                << "overlaps " << d->Name();
+    fakes::MemorySettingStore settings;
+    const OptionsForm options(frm, settings);
+    for (const auto& [form, count] : {std::pair<const form::Form*, std::size_t>{&frm, 40u}, {&options, 27u}}) {
+        std::vector<const form::Control*> placed;
+        for (const auto& [name, c] : form->Controls())
+            if (!dynamic_cast<const form::MenuItem*>(c) && !dynamic_cast<const form::Timer*>(c) && c->Visible())
+                placed.push_back(c);
+        EXPECT_GE(placed.size(), count) << form->Name();
+        for (const form::Control* c : placed) {
+            SCOPED_TRACE(form->Name() + "." + c->Name());
+            EXPECT_TRUE(c->Width > 0 && c->Height > 0 && c->Left >= 0 && c->Top >= 0);
+            EXPECT_LE(Right(*c), form->Width);
+            EXPECT_LE(Bottom(*c), form->Height);
+            EXPECT_EQ(std::vector<int>({c->Left % 15, c->Top % 15, c->Width % 15, c->Height % 15}), std::vector<int>(4, 0));
+            for (const form::Control* d : placed)
+                EXPECT_FALSE(c != d && c->Left < Right(*d) && d->Left < Right(*c) && c->Top < Bottom(*d) && d->Top < Bottom(*c))
+                    << "overlaps " << d->Name();
+        }
     }
 }
 

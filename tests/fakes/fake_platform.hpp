@@ -101,7 +101,9 @@ public:
     // What a modal form does while it is up; by default it closes at once.
     std::function<void(form::Form&)> whileModal;
 
+    std::int32_t primary[2] = {1600, 900};          // width, height of the primary screen
     std::int32_t GetSystemMetrics(int index) override {
+        if (index == SM_CXSCREEN || index == SM_CYSCREEN) return primary[index];
         return index >= SM_XVIRTUALSCREEN && index <= SM_CYVIRTUALSCREEN ? metrics[index - SM_XVIRTUALSCREEN] : 0;
     }
     bool foreground = false;  // whether a form's window is in front
