@@ -21,19 +21,9 @@ idle=${IDLE_SECONDS:-30}
 name=whole_program
 . "$root/bench/virtual_screen.sh"
 
-# The data file with a group of 50 markers: a grid over the screen, five
-# colours, thickness 1 and 3, every fifth one dotted.
-{
-  printf '[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nDataFormat=1\r\nScreenRes=1920x1080\r\nPC=bench\r\n'
-  printf '[Bench50]\r\nDataFormat=1\r\nDefaults=0,0,-1,-1,-1,-1,-1,-1,\r\n'
-  colours=(255 65280 16711680 65535 16711935)
-  for n in $(seq 1 50); do
-    x=$(( 100 + (n % 10) * 170 )); y=$(( 80 + (n / 10) * 180 ))
-    printf '%d=%d,%d,%d,%d,%d,%d,%d,%d,\r\n' "$n" "$x" "$y" $(( 60 + n * 4 )) $(( 50 + n * 3 )) \
-      "${colours[n % 5]}" $(( n % 2 == 0 ? 3 : 1 )) $(( 40 + n )) $(( n % 5 == 0 ? 1 : 0 ))
-  done
-  printf 'Notes=Benchmark group\r\n'
-} > "$XDG_DATA_HOME/Ostrivane/ostrivane.ini"
+# The data file with a group of 50 markers.
+. "$root/bench/marker_groups.sh"
+marker_groups 1 > "$XDG_DATA_HOME/Ostrivane/ostrivane.ini"
 
 now() { date +%s%N; }
 median() { sort -n | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] : int((v[NR / 2] + v[NR / 2 + 1]) / 2) }'; }
