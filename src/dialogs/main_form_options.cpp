@@ -35,8 +35,16 @@ void MainForm::mnuOptions_Click() {
     lib_SetTopmost(desktop_, *this, Val(lib_ProfileGetString(kDefaultsSection, "StayOnTop", "0", DataFile)) == 1);
     // The main form's box, which LoadSettings below has not refreshed yet.
     timFlashSelected.SetTimerEnabled(chkFlashSelected.Value() == kCheckChecked);
+    // The group in use comes back after the reload, so that a display running
+    // with it goes on and repaints with the new defaults. Nothing unsaved is
+    // left by now: the question before the dialog saw to that.
+    const std::string inUse = CurrentGroup >= 0 ? lstGroups.List(CurrentGroup) : std::string();
     ClearGroupSelection();
     LoadSettings();
+    if (!inUse.empty()) {
+        const std::int16_t again = FindInList(lstGroups, inUse);
+        if (again >= 0) lstGroups.SetListIndex(again);
+    }
     ShowAllMarkers();
 }
 

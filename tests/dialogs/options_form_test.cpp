@@ -129,8 +129,8 @@ TEST_F(OptionsTest, TheGlobalDefaultRowIsNeverBlank) {
     EXPECT_EQ(ErrorOf([&] { again.cmdOk.PerformClick(); }), kTypeMismatch);
 }
 
-// After OK or Cancel the display reloads: selection cleared, settings and
-// list read again, every marker shown; stay on top follows the file.
+// After OK or Cancel the display reloads: settings and list read again, the
+// group in use loaded anew, every marker shown; stay on top follows the file.
 TEST_F(OptionsTest, ARunningDisplayTakesOverWhatTheDialogLeft) {
     WriteDataFile(kFileHead + "StayOnTop=1\r\n[One]\r\nDataFormat=1\r\n1=100,100,-1,-1,-1,-1,-1,0,\r\n"s);
     frm.LoadSettings();
@@ -150,7 +150,8 @@ TEST_F(OptionsTest, ARunningDisplayTakesOverWhatTheDialogLeft) {
                                                            "SetTopmost frmMain on", "SetTopmost frmMain on"}));
         EXPECT_EQ(std::vector<int>(
                       {frm.lstGroups.ListIndex(), frm.CurrentGroup, frm.GrabProximity, frm.AddMarkerThickness}),
-                  std::vector<int>({-1, -1, ok ? 40 : 10, ok ? 5 : 1}));
+                  std::vector<int>({0, 0, ok ? 40 : 10, ok ? 5 : 1}));
+        EXPECT_EQ(frm.store.MarkerCount, 1);
         EXPECT_EQ(overlay.calls.back(), "ShowAllMarkers");
         EXPECT_TRUE(ok || ReadDataFile() == before) << "Cancel wrote to the file";
     }
