@@ -32,13 +32,14 @@ def tray_icon(session):
 
 def close_to_tray(session, form):
     # Qt now and then drops a WM_DELETE_WINDOW (a bare QWidget on Xvfb does
-    # the same), so the box is pressed up to three times.
-    for attempt in range(3):
+    # the same), so the box is pressed up to four times; a loaded machine
+    # takes its time.
+    for attempt in range(4):
         session.close_box(form)
         try:
-            return poll(lambda: not session.viewable(form), "the close box to hide the form", timeout=5)
+            return poll(lambda: not session.viewable(form), "the close box to hide the form", timeout=8)
         except Failure:
-            if attempt == 2:
+            if attempt == 3:
                 raise
 
 
