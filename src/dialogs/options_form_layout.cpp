@@ -1,17 +1,10 @@
+#include "form/pixel_grid.hpp"
 #include "dialogs/options_form.hpp"
 
 namespace ostrivane {
 
-namespace {
-
-// Drawn on a pixel grid; the model keeps twips.
-constexpr int kTwips = 15;
-
-void Place(form::Control& c, int left, int top, int width, int height) {
-    c.Move(left * kTwips, top * kTwips, width * kTwips, height * kTwips);
-}
-
-}  // namespace
+using form::Place;
+using form::kTwipsPerPixel;
 
 // The data directory across the top, the four switches under it, then the
 // grid of the defaults: the column heads, the global default row and the
@@ -80,8 +73,8 @@ void OptionsForm::LayOutControls() {
     Place(lblGrabProximity, kMargin, kFootTop + 2 + kLabelDrop, kCaptionWidth, kLabelHeight);
     Place(txtGrabProximity, kGridLeft, kFootTop + 2, 52, kButtonHeight - 4);
 
-    Width = (right + kMargin) * kTwips;
-    Height = (kFootTop + kButtonHeight + kMargin) * kTwips;
+    Width = (right + kMargin) * kTwipsPerPixel;
+    Height = (kFootTop + kButtonHeight + kMargin) * kTwipsPerPixel;
 }
 
 }  // namespace ostrivane

@@ -1,17 +1,10 @@
+#include "form/pixel_grid.hpp"
 #include "editor/main_form.hpp"
 
 namespace ostrivane {
 
-namespace {
-
-// The form is drawn on a pixel grid; the model keeps twips.
-constexpr int kTwips = 15;
-
-void Place(form::Control& c, int left, int top, int width, int height) {
-    c.Move(left * kTwips, top * kTwips, width * kTwips, height * kTwips);
-}
-
-}  // namespace
+using form::Place;
+using form::kTwipsPerPixel;
 
 // Two lists on the left; to their right the field grid (marker row over the
 // group default row, the screen size under the position columns), the nudge
@@ -114,8 +107,8 @@ void MainForm::LayOutControls() {
     Place(txtGroupNotes, kGridLeft, kNotesTop, gridRight - kGridLeft, kNotesHeight);
     Place(lblMsg, kMargin, kMessageTop, gridRight - kMargin, kMessageHeight);
 
-    Width = (gridRight + kMargin) * kTwips;
-    Height = (kMessageTop + kMessageHeight + 4) * kTwips;
+    Width = (gridRight + kMargin) * kTwipsPerPixel;
+    Height = (kMessageTop + kMessageHeight + 4) * kTwipsPerPixel;
 }
 
 }  // namespace ostrivane
