@@ -28,16 +28,18 @@ constexpr char kTranslatedSuffix[] = "_Tr";
 constexpr char kInvalidFileText[] = "This does not appear to be a valid file";
 constexpr std::int16_t kInvalidFileSeconds = 5;
 
-std::vector<std::string> ReadLines(const std::string& path) {
-    std::vector<std::string> lines;
+// Only the header lines are kept: a file from outside may be of any size.
+std::vector<std::string> ReadHeaderLines(const std::string& path) {
+    std::vector<std::string> headers;
     std::ifstream in(path, std::ios::binary);
     std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(std::move(line));
+    for (bool first = true; std::getline(in, line); first = false) {
+        if (first && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+        if (!line.starts_with("[")) continue;
+        if (line.back() == '\r') line.pop_back();
+        headers.push_back(std::move(line));
     }
-    if (!lines.empty() && lines[0].starts_with("\xEF\xBB\xBF")) lines[0].erase(0, 3);
-    return lines;
+    return headers;
 }
 
 // ScreenRes split on "x": a part missing is a subscript error, a part that is
@@ -120,7 +122,7 @@ void MainForm::ImportGroup() {
     // Every group section is asked about; the last one is taken.
     std::string section;
     std::string answer;
-    for (const std::string& line : ReadLines(file)) {
+    for (const std::string& line : ReadHeaderLines(file)) {
         if (!line.starts_with("[")) continue;
         section = line.size() < 2 ? std::string() : line.substr(1, line.size() - 2);
         if (section == kDefaultsSection) continue;
