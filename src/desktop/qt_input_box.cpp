@@ -24,7 +24,8 @@ Qt::Key QtKeyOf(int keyCode) {
 }  // namespace
 
 void AttachInputBox(QtFormBinding& binding, InputBoxForm& box) {
-    binding.OnFormKeyDown = [&box](int& key) { box.Form_KeyDown(key); };
+    // The form previews no keys: those typed into its controls go to them,
+    // so its key handler sees none of them.
     QtFormBinding* b = &binding;
     box.SendKey.Connect([b](int keyCode) {
         const Qt::Key key = QtKeyOf(keyCode);
@@ -40,8 +41,7 @@ void AttachInputBox(QtFormBinding& binding, InputBoxForm& box) {
     });
 }
 
-void DetachInputBox(QtFormBinding& binding, InputBoxForm& box) {
-    binding.OnFormKeyDown = nullptr;
+void DetachInputBox(QtFormBinding&, InputBoxForm& box) {
     box.SendKey.Connect(nullptr);
 }
 

@@ -1,6 +1,6 @@
-// The input box's window: its key handler sees each key going down in the
-// form, and the key it types anew reaches the control with the focus once
-// the handler has returned.
+// The input box's window: keys typed into its controls are not previewed
+// by the form's key handler, and a key the handler types anew reaches the
+// control with the focus once it has returned.
 #pragma once
 
 namespace ostrivane {
