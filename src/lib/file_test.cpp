@@ -72,7 +72,8 @@ Trash* lib_AttachedTrash() { return trashCan; }
 
 bool lib_FileExists(const std::string& file, std::string& foundFile, bool nameOnly) {
     const fs::path path(Unquoted(file));
-    const std::string mask = path.filename().string();
+    // "*.*" takes every name, one without a dot too, as the platform's search does.
+    const std::string mask = path.filename() == "*.*" ? std::string("*") : path.filename().string();
     if (mask.empty()) return false;
     const fs::path folder = path.parent_path();
     const auto take = [&](const std::string& name) {

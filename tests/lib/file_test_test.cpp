@@ -35,6 +35,10 @@ TEST(FileTest, ExistsMatchesFilesNotDirectoriesWithWildcards) {
             EXPECT_EQ(found, dir.file(row.name));
         }
     }
+    std::filesystem::create_directory(dir.path() / "plain");
+    WriteBytes(dir.path() / "plain/Notes", "x");  // "*.*" takes a name without a dot too
+    std::string found;
+    EXPECT_TRUE(lib_FileExists(dir.file("plain/*.*"), found, true) && found == "Notes");
 }
 
 TEST(FileTest, KillGoesToTheTrashOrForGood) {
