@@ -389,7 +389,7 @@ bool lib_ChangeDir(Desktop& desktop, const std::string& pstrDir) {
     const std::string dir = pstrDir.ends_with('/') ? pstrDir : pstrDir + "/";
     if (::chdir(dir.c_str()) != 0) {
         Fail();
-        lib_ErrorHandler("Vexil.lib_ChangeDir", kPathNotFound, lib_LastErrorText(), true, pstrDir, 0);
+        lib_ErrorHandler("Vexil.lib_ChangeDir", kPathNotFound, RuntimeErrorText(kPathNotFound), true, pstrDir, 0);
         return false;
     }
     desktop.DoEvents();

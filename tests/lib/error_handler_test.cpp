@@ -8,6 +8,7 @@
 
 #include "dialogs/message_box.hpp"
 #include "fakes/fake_platform.hpp"
+#include "lib/file_ops.hpp"
 #include "lib/file_test.hpp"
 #include "lib/path_basics.hpp"
 #include "support/run_time_error.hpp"
@@ -88,6 +89,16 @@ TEST_F(ErrorHandlerTest, ShowsAWarningOnlyAboveAppError1000) {
         EXPECT_EQ(desktop.calls, (Lines{"Beep", "ShowModal frmMsgBox"}));
     }
     EXPECT_TRUE(dialogs.asked.empty());
+}
+
+TEST_F(ErrorHandlerTest, ChangeDirTellsPathNotFound) {
+    lib_ErrorDetailOn = true;
+    TempDir dir;
+    const std::time_t before = std::time(nullptr);
+    EXPECT_FALSE(lib_ChangeDir(desktop, dir.file("gone")));
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(Undated(shown[0], before),
+              "1   0 An error has occurred in Vexil.lib_ChangeDir\r\n\r\n(76) Path not found\r\n" + dir.file("gone"));
 }
 
 TEST_F(ErrorHandlerTest, SilentReportsAndFailuresOnTheWay) {
