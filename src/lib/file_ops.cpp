@@ -206,7 +206,14 @@ bool CopyOne(Desktop& desktop, const std::string& source, const std::string& tar
         RaiseFileError("Vexil.lib_CopyFile", "Failed to copy file\r\nCould not delete existing target file");
     }
     // The source still stands when the new name cannot be taken; no stray copy is left.
-    if (std::rename(lib_CopyTempPath.c_str(), target.c_str()) != 0) RemoveFile(lib_CopyTempPath);
+    if (std::rename(lib_CopyTempPath.c_str(), target.c_str()) != 0) {
+        const int error = errno;
+        RemoveFile(lib_CopyTempPath);
+        lib_CopyTempPath.clear();
+        Raise(error == ENOENT                                            ? kFileNotFound
+              : error == EEXIST || error == EISDIR || error == ENOTEMPTY ? kFileAlreadyExists
+                                                                         : kPathFileAccessError);
+    }
     lib_CopyTempPath.clear();
     if (!lib_FileExists(target, found, true)) return false;
     lib_SetFileTimes(target, times, true);

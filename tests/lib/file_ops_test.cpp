@@ -93,6 +93,13 @@ TEST_F(FileOpsTest, FailedCopyRaisesAndLeavesTheTargetAsItWas) {
         EXPECT_EQ(lib_CopyTempPath, "");
         EXPECT_EQ(TempLeftovers(dir.path()), std::vector<std::string>{});
     }
+    // A folder in the target's place stays; the name not taken is an error.
+    std::string error;
+    EXPECT_EQ(FailureOf([&] { lib_CopyFile(desktop, source, dir.file("out"), false, false, nullptr, 0, error); }),
+              "58 Vexil.lib_CopyFile: File already exists");
+    EXPECT_EQ(error, "File already exists");
+    EXPECT_TRUE(fs::is_directory(dir.file("out")) && ReadBytes(target) == "old");
+    EXPECT_EQ(TempLeftovers(dir.path()), std::vector<std::string>{});
 }
 
 TEST_F(FileOpsTest, MoveOnOneVolumeAndAcross) {
