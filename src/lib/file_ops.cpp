@@ -120,8 +120,9 @@ bool CopyBytes(const std::string& source, const std::string& target, CopyProgres
     const int in = ::open(source.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (in < 0) return Fail();
     struct stat info {};
-    if (::fstat(in, &info) != 0 || !S_ISREG(info.st_mode)) {
-        if (errno == 0 || S_ISDIR(info.st_mode)) errno = S_ISDIR(info.st_mode) ? EISDIR : EINVAL;
+    const bool statFailed = ::fstat(in, &info) != 0;
+    if (statFailed || !S_ISREG(info.st_mode)) {
+        if (!statFailed) errno = S_ISDIR(info.st_mode) ? EISDIR : EINVAL;
         Fail();
         ::close(in);
         return false;

@@ -79,6 +79,7 @@ TEST_F(FileOpsTest, FailedCopyRaisesAndLeavesTheTargetAsItWas) {
     const auto cancel = [](std::uint64_t, std::uint64_t) { return false; };
     const struct { std::string from; CopyProgress progress; std::string reason; } rows[] = {
         {dir.file("out"), nullptr, "Is a directory"},
+        {"/dev/null", nullptr, "Invalid argument"},
         {source, +cancel, "Operation canceled"},
     };
     for (const auto& row : rows) {
