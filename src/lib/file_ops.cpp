@@ -177,6 +177,13 @@ bool RenameNoReplace(const std::string& source, const std::string& target) {
 
 bool RemoveFile(const std::string& path) { return ::unlink(path.c_str()) == 0 || Fail(); }
 
+// The runtime's rename raises when the new name cannot be taken.
+[[noreturn]] void RaiseRenameError(int error) {
+    Raise(error == ENOENT                                            ? kFileNotFound
+          : error == EEXIST || error == EISDIR || error == ENOTEMPTY ? kFileAlreadyExists
+                                                                     : kPathFileAccessError);
+}
+
 [[noreturn]] void RaiseFileError(const std::string& source, const std::string& description) {
     Raise(kFileOpError, source, description);
 }
@@ -211,9 +218,7 @@ bool CopyOne(Desktop& desktop, const std::string& source, const std::string& tar
         const int error = errno;
         RemoveFile(lib_CopyTempPath);
         lib_CopyTempPath.clear();
-        Raise(error == ENOENT                                            ? kFileNotFound
-              : error == EEXIST || error == EISDIR || error == ENOTEMPTY ? kFileAlreadyExists
-                                                                         : kPathFileAccessError);
+        RaiseRenameError(error);
     }
     lib_CopyTempPath.clear();
     if (!lib_FileExists(target, found, true)) return false;
@@ -233,7 +238,7 @@ bool MoveOne(Desktop& desktop, const std::string& source, const std::string& tar
     if (lib_FileExists(target, found, true)) {
         if (!overWrite) return false;
         temp = lib_TempFileName(target);
-        if (std::rename(target.c_str(), temp.c_str()) != 0) temp.clear();
+        if (std::rename(target.c_str(), temp.c_str()) != 0) RaiseRenameError(errno);
     }
     for (int tries = 0; !RenameNoReplace(source, target);) {
         const std::string text = lib_LastErrorText();

@@ -118,6 +118,12 @@ TEST_F(FileOpsTest, MoveOnOneVolumeAndAcross) {
               std::to_string(kFileOpError) + " Vexil.lib_MoveFile: Failed to move file\r\nNo such file or directory\r\nSrc=" +
                   source + "\r\nTgt=" + target + "~");
     EXPECT_EQ(ReadBytes(target), "new");
+    // An old target that cannot take its temporary name stays, and the move is refused.
+    const std::string longName = dir.file("out/" + std::string(254, 'x'));
+    WriteBytes(longName, "old");
+    EXPECT_EQ(FailureOf([&] { lib_MoveFile(desktop, target, longName, true, false, 0); }),
+              "75 Vexil.lib_MoveFile: Path/File access error");
+    EXPECT_EQ(ReadBytes(longName) + ReadBytes(target), "oldnew");
 
     // Wildcards move each match into the target folder; none matched is a failure.
     for (const char* f : {"a.ini", "b.ini"}) WriteBytes(dir.file(f), f);
