@@ -2,8 +2,10 @@
 """The options dialog on a running display: a press 25 pixels beside a line
 passes, until OK (by Enter) with a grab proximity of 30 typed in; then, with
 the group back, it takes the line. The placement cross takes the thickness and
-colour typed for it."""
+colour typed for it. A new data directory is made on Yes, the data file moves
+there, and the group in use stays on the screen."""
 
+import os
 import sys
 import time
 
@@ -27,6 +29,24 @@ def replace_text(session, dialog, at, text):
     session.x("xdotool", "type", text)
 
 
+def open_options(session, form):
+    session.x("xdotool", "windowactivate", "--sync", form)
+    session.x("xdotool", "key", "alt+f")
+    time.sleep(0.3)
+    session.x("xdotool", "key", "o")
+    dialog = session.client("Options")
+    time.sleep(0.5)  # a click before the dialog is drawn goes nowhere
+    return dialog
+
+
+def answer_with_default(session, count):
+    """Return on each of the next count message boxes, titled with the program's name."""
+    for _ in range(count):
+        box = session.client("Ostrivane")
+        session.x("xdotool", "windowactivate", "--sync", box, "key", "Return")
+        poll(lambda: not session.viewable(box), "a message box to close")
+
+
 def test(session):
     session.start_wm()
     write_data_file(session.data_file, {"Bench": (ROW0, [MARKER], "")})
@@ -38,12 +58,7 @@ def test(session):
     session.x("xdotool", "mousemove", "825", "520", "click", "1")
     check(target.take(2) == ["press 825 520", "release 825 520"], "a press 25 pixels off the line did not pass")
 
-    session.x("xdotool", "windowactivate", "--sync", form)
-    session.x("xdotool", "key", "alt+f")
-    time.sleep(0.3)
-    session.x("xdotool", "key", "o")
-    dialog = session.client("Options")
-    time.sleep(0.5)  # a click before the dialog is drawn goes nowhere
+    dialog = open_options(session, form)
     replace_text(session, dialog, GRAB_PROXIMITY, "30")
     replace_text(session, dialog, ADD_THICKNESS, "5")
     replace_text(session, dialog, ADD_COLOUR, "255")
@@ -75,6 +90,19 @@ def test(session):
     check(pixel == rgb_of(255), f"the cross is {pixel}, not red")
     session.x("xdotool", "click", "1")
     poll(lambda: session.viewable(form), "the form back after the placement")
+
+    # A new data directory: "create it?" Yes, "moved" OK, "delete the empty old one?" No.
+    session.x("xdotool", "windowactivate", "--sync", form, "key", "ctrl+g")  # nothing unsaved
+    old_dir, new_dir = os.path.dirname(session.data_file), os.path.join(session.tmp, "moved data")
+    dialog = open_options(session, form)
+    session.click(dialog, 200, 19)
+    session.x("xdotool", "key", "ctrl+a", "type", new_dir)
+    session.x("xdotool", "key", "Return")
+    answer_with_default(session, 3)
+    moved = os.path.join(new_dir, "ostrivane.ini")
+    poll(lambda: os.path.exists(moved) and b"[Bench]" in open(moved, "rb").read(), "the data file in the new directory")
+    check(not os.path.exists(session.data_file) and os.path.isdir(old_dir), "the old file stayed, or its directory went")
+    poll(lambda: len(session.marker_windows()) == 4, "the group's lines from the moved file")
 
 
 if __name__ == "__main__":
