@@ -20,7 +20,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kComputerNameBuffer = 255;
 constexpr std::size_t kMakePathParts = 100;
 
-char Separator(bool forward) { return forward ? '/' : '\\'; }
 
 std::string EnvValue(const char* name) {
     const char* value = std::getenv(name);
@@ -61,7 +60,7 @@ std::string FirstLineOf(const char* file) {
 }  // namespace
 
 std::string lib_JoinPath(std::string_view pstrDir, std::string_view pstrFile, bool pblnForward) {
-    const char separator = Separator(pblnForward);
+    const char separator = PathSeparator(pblnForward);
     const bool dirEnds = !pstrDir.empty() && pstrDir.back() == separator;
     const bool fileBegins = !pstrFile.empty() && pstrFile.front() == separator;
     std::string result(pstrDir);
@@ -76,7 +75,7 @@ std::string lib_JoinPath(std::string_view pstrDir, std::string_view pstrFile, bo
 
 std::string lib_GetFolder(std::string_view pstrPath, bool pblnInclDrive, bool pblnForward) {
     const std::string text = lib_StripQuotes(pstrPath);
-    const char separator = Separator(pblnForward);
+    const char separator = PathSeparator(pblnForward);
     for (std::size_t i = text.size(); i-- > 0;) {
         if (text[i] == ':') return pblnInclDrive ? text.substr(0, i + 1) : std::string();
         if (text[i] == separator) {

@@ -9,6 +9,9 @@
 
 namespace ostrivane {
 
+// The separator the path routines write: forward, or the backslash.
+inline char PathSeparator(bool forward) { return forward ? '/' : '\\'; }
+
 // Folder numbers of lib_GetSpecialFolder.
 inline constexpr std::int32_t kFolderDesktop = 0;
 inline constexpr std::int32_t kFolderDocuments = 5;

@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kPathParts = 100;
 constexpr std::int32_t kSleepStepMs = 100;
 
-char Separator(bool forward) { return forward ? '/' : '\\'; }
 
 // InStr: 1-based position of what in text from start, 0 when absent; an
 // empty what is found at start.
@@ -79,7 +78,7 @@ std::string MountPointOf(std::string_view path) {
 }
 
 std::vector<std::string> PathLevels(std::string text, bool forward) {
-    const char separator = Separator(forward);
+    const char separator = PathSeparator(forward);
     if (forward) {
         for (char& c : text)
             if (c == '\\') c = '/';
@@ -147,7 +146,7 @@ void InsertionSort(std::vector<Row>& ary, std::int32_t lowestIndex, std::optiona
 
 std::string lib_GetFileName(std::string_view pstrPath, bool pblnForward) {
     const std::string text = lib_StripQuotes(pstrPath);
-    const char separator = Separator(pblnForward);
+    const char separator = PathSeparator(pblnForward);
     const std::vector<std::string> parts = SplitAll(text, separator);
     if (parts.empty()) return std::string();
     if (text.starts_with(std::string(2, separator))) return parts.size() >= 5 ? parts.back() : "";
@@ -157,7 +156,7 @@ std::string lib_GetFileName(std::string_view pstrPath, bool pblnForward) {
 
 std::string lib_GetDriveOrShare(std::string_view pstrPath, bool pblnForward) {
     const std::string text = lib_StripQuotes(pstrPath);
-    const char separator = Separator(pblnForward);
+    const char separator = PathSeparator(pblnForward);
     const std::vector<std::string> parts = PathParts(text, separator);
     if (text.starts_with(std::string(2, separator)))
         return parts.size() >= 3 ? std::string(2, separator) + parts[1] + separator + parts[2] : "";
@@ -190,7 +189,7 @@ std::string lib_GetPathLevel(std::string_view pstrPath, std::int32_t pintLevel, 
 }
 
 std::string lib_GetFullPath(std::string_view pstrPath, std::string_view pstrBase, bool pblnForward) {
-    const std::string up = std::string("..") + Separator(pblnForward);
+    const std::string up = std::string("..") + PathSeparator(pblnForward);
     const std::int16_t ups = lib_CountOccurrences(pstrPath, up, vbTextCompare);
     if (ups == 0) {
         if (pblnForward || !lib_GetDriveOrShare(pstrPath, false).empty()) return std::string(pstrPath);
