@@ -86,6 +86,7 @@ bool X11KeyGrabs::Grab(Proc proc) {
             for (const xcb_keycode_t code : codes) {
                 for (const std::uint16_t mods : modifierSets_) xcb_ungrab_key(conn_, code, root_, mods);
             }
+            xcb_flush(conn_);
             if (!key.reported)
                 std::fprintf(stderr, "Ostrivane: the hot key %s %s and stays off\n", key.name,
                              codes.empty() ? "is not on the keyboard" : "is held by another program");

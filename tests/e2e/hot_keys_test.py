@@ -51,6 +51,8 @@ def test(session):
     check(holder.stdout.readline().strip() == "held", "x11_probe could not hold Ctrl+1")
     app = session.start("Bench")
     poll(lambda: len(session.marker_windows()) == 2, "the group's line windows")
+    # The refusal comes back from the server after the grabs went out; until then Ctrl+1 is ours.
+    poll(lambda: "hot key" in app.output(), "the line on standard error about Ctrl+1")
     session.x("xdotool", "windowfocus", "--sync", target.id)
     target.take()
     session.x("xdotool", "key", "ctrl+1")
