@@ -12,6 +12,7 @@
 #include <QPrinterInfo>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 #include <cmath>
 
@@ -111,12 +112,22 @@ void QtDesktop::ShowModal(form::Form& form) {
         }
     }
     if (auto* box = dynamic_cast<InputBoxForm*>(&form)) AttachInputBox(*binding, *box);
-    if (form.Left == 0 && form.Top == 0) {
-        // A form with no place of its own is centred on the screen.
+    QtFormBinding* owner = form.CentreOwner ? QtFormBinding::For(*form.CentreOwner) : nullptr;
+    if (owner && !owner->Window()->isVisible()) owner = nullptr;
+    if (owner) {
+        // In front of its owner, as the window manager keeps a transient window.
+        window->winId();
+        owner->Window()->winId();
+        window->windowHandle()->setTransientParent(owner->Window()->windowHandle());
+    }
+    if (owner || (form.Left == 0 && form.Top == 0)) {
+        // Centred on the owner; a form with no place of its own, on the screen.
         binding->Sync();
         window->adjustSize();
         const QScreen* screen = QGuiApplication::primaryScreen();
-        const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+        const QRect area = owner  ? owner->Window()->frameGeometry()
+                           : screen ? screen->availableGeometry()
+                                    : QRect(0, 0, 1024, 768);
         const QSize size = window->sizeHint();
         form.Left = PixelsToTwips(area.center().x() - size.width() / 2);
         form.Top = PixelsToTwips(area.center().y() - size.height() / 2);
@@ -139,7 +150,10 @@ void QtDesktop::ShowModal(form::Form& form) {
     binding->OnVisibleChanged = nullptr;
     binding->OnFormKeyPress = nullptr;
     if (auto* box = dynamic_cast<InputBoxForm*>(&form)) DetachInputBox(*binding, *box);
-    if (!own) window->setWindowModality(Qt::NonModal);
+    if (!own) {
+        window->setWindowModality(Qt::NonModal);
+        if (owner) window->windowHandle()->setTransientParent(nullptr);
+    }
     // The keyboard goes back to the window in front, also without a window manager.
     if (front && front != window && front->isVisible()) front->activateWindow();
 }

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QLabel>
@@ -20,6 +21,7 @@
 #include <QTextOption>
 #include <QSystemTrayIcon>
 #include <QTimer>
+#include <QUrl>
 #include <QVBoxLayout>
 #include <QWidget>
 #include <QWindow>
@@ -209,6 +211,24 @@ void QtFormBinding::CreateControl(Control& c) {
         auto* q = new QLabel(content_);
         q->setAlignment(Qt::AlignCenter);
         b.widget = q;
+    } else if (dynamic_cast<form::HyperLinkLabel*>(&c)) {
+        // Looks like a link; the click is taken in OnMouse.
+        auto* q = new QLabel(content_);
+        q->setTextFormat(Qt::PlainText);
+        q->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+        q->setCursor(Qt::PointingHandCursor);
+        QFont font = q->font();
+        font.setUnderline(true);
+        q->setFont(font);
+        QPalette palette = q->palette();
+        palette.setColor(QPalette::WindowText, palette.color(QPalette::Link));
+        q->setPalette(palette);
+        b.widget = q;
+    } else if (dynamic_cast<form::Line*>(&c)) {
+        auto* q = new QFrame(content_);
+        q->setFrameShape(c.Height == 0 ? QFrame::HLine : QFrame::VLine);
+        q->setFrameShadow(QFrame::Sunken);
+        b.widget = q;
     } else if (auto* box = dynamic_cast<form::TextBox*>(&c)) {
         if (box->MultiLine && box->PasswordChar == '\0') {
             auto* q = new QPlainTextEdit(content_);
@@ -316,7 +336,7 @@ void QtFormBinding::CreateControl(Control& c) {
 void QtFormBinding::Apply(Control& c, Property p) {
     const auto it = bound_.find(&c);
     if (it == bound_.end()) return;
-    if (p == Property::Geometry) {
+    if (p == Property::Geometry || p == Property::Picture) {
         Syncing s(syncing_);
         ApplyGeometry(it->second);
         return;
@@ -361,11 +381,18 @@ void QtFormBinding::FlushPending() {
 
 void QtFormBinding::ApplyGeometry(const Bound& b) {
     if (!b.widget) return;
-    const QRect rect = PixelGeometry(*b.control);
+    QRect rect = PixelGeometry(*b.control);
+    // A line of no thickness in the model is drawn etched, two pixels thick.
+    if (auto* line = qobject_cast<QFrame*>(b.widget); line && dynamic_cast<const form::Line*>(b.control))
+        line->frameShape() == QFrame::HLine ? rect.setHeight(2) : rect.setWidth(2);
     if (b.widget->geometry() != rect) b.widget->setGeometry(rect);
     if (auto* picture = dynamic_cast<const form::PictureBox*>(b.control)) {
         auto* label = static_cast<QLabel*>(b.widget);
-        if (label->pixmap().size() != rect.size()) label->setPixmap(DrawPicture(picture->Picture(), rect.size()));
+        const QString name = Latin1(picture->Picture());
+        if (label->pixmap().size() != rect.size() || label->property("drawn").toString() != name) {
+            label->setPixmap(DrawPicture(picture->Picture(), rect.size()));
+            label->setProperty("drawn", name);
+        }
     }
     if (auto* button = qobject_cast<QPushButton*>(b.widget)) {
         const QString picture = button->property("picture").toString();
@@ -445,6 +472,9 @@ void QtFormBinding::ApplyAll(Control& c) {
     if (auto* label = dynamic_cast<form::Label*>(&c)) {
         auto* q = static_cast<QLabel*>(w);
         if (q->text() != Latin1(label->Caption())) q->setText(Latin1(label->Caption()));
+    } else if (auto* link = dynamic_cast<form::HyperLinkLabel*>(&c)) {
+        auto* q = static_cast<QLabel*>(w);
+        if (q->text() != Latin1(link->Caption())) q->setText(Latin1(link->Caption()));
     } else if (auto* box = dynamic_cast<form::TextBox*>(&c)) {
         ApplyTextBox(*box, false);
         const QColor back = ToQColor(box->BackColor());
@@ -548,6 +578,10 @@ void QtFormBinding::ApplyFormState() {
     // The caption first: a window is found by its title as it maps.
     const QString title = Latin1(form_.Caption());
     if (w->windowTitle() != title) w->setWindowTitle(title);
+    if (const QString icon = Latin1(form_.Icon); w->property("icon").toString() != icon) {
+        w->setWindowIcon(form_.Icon.empty() ? QIcon() : DrawIcon(form_.Icon));
+        w->setProperty("icon", icon);
+    }
     const form::WindowState state = form_.GetWindowState();
     if (form_.Visible() || (state == form::WindowState::Minimized && !QSystemTrayIcon::isSystemTrayAvailable())) {
         // With no tray to come back from, a form sent away stays on the task bar.
@@ -820,6 +854,14 @@ bool QtFormBinding::OnMouse(Control& control, QEvent* event) {
             ApplyAll(*check);
         }
         return true;  // the box never toggles by itself
+    }
+    if (auto* link = dynamic_cast<form::HyperLinkLabel*>(&control)) {
+        // The link opens itself: a release of the left button over it.
+        const QWidget* widget = WidgetOf(control);
+        if (event->type() == QEvent::MouseButtonRelease && mouse->button() == Qt::LeftButton &&
+            widget->rect().contains(mouse->position().toPoint()) && !link->Address().empty())
+            QDesktopServices::openUrl(QUrl(Latin1(link->Address())));
+        return false;
     }
     if (auto* box = dynamic_cast<form::TextBox*>(&control)) {
         if (event->type() == QEvent::MouseButtonDblClick && mouse->button() == Qt::LeftButton)

@@ -5,14 +5,13 @@
 #include <QIcon>
 #include <QMenu>
 #include <QMetaObject>
-#include <QPainter>
-#include <QPixmap>
 #include <QSystemTrayIcon>
 
 #include <map>
 #include <utility>
 
 #include "desktop/entry_point.hpp"
+#include "desktop/pictures.hpp"
 #include "form/controls.hpp"
 
 namespace ostrivane::desktop {
@@ -23,37 +22,6 @@ namespace {
 constexpr int kLeftButtonUp = 514;
 constexpr int kLeftButtonDoubleClick = 515;
 constexpr int kRightButtonUp = 517;
-
-// A red crosshair with a dark rim, so that it reads on light and dark panels.
-QPixmap CrosshairPixmap(int size) {
-    QPixmap pixmap(size, size);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    const int thickness = size >= 32 ? 3 : 1;
-    const int middle = (size - thickness) / 2;
-    const int gap = size / 6;
-    const QColor rim(40, 40, 40);
-    const QColor line(230, 20, 20);
-    const auto arms = [&](int grow, const QColor& colour) {
-        const int t = thickness + 2 * grow;
-        const int m = middle - grow;
-        // left, right, top, bottom arm, each stopping short of the centre
-        painter.fillRect(0, m, middle - gap + grow, t, colour);
-        painter.fillRect(middle + thickness + gap - grow, m, size - (middle + thickness + gap - grow), t, colour);
-        painter.fillRect(m, 0, t, middle - gap + grow, colour);
-        painter.fillRect(m, middle + thickness + gap - grow, t, size - (middle + thickness + gap - grow), colour);
-    };
-    arms(1, rim);
-    arms(0, line);
-    painter.fillRect(middle, middle, thickness, thickness, line);
-    return pixmap;
-}
-
-QIcon CrosshairIcon() {
-    QIcon icon;
-    for (const int size : {16, 22, 24, 32, 48, 64}) icon.addPixmap(CrosshairPixmap(size));
-    return icon;
-}
 
 QString Latin1(const std::string& text) {
     return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
@@ -92,7 +60,7 @@ TrayIcon::~TrayIcon() = default;
 
 void TrayIcon::Add(const std::string& tip) {
     if (!icon_) {
-        icon_ = std::make_unique<QSystemTrayIcon>(CrosshairIcon());
+        icon_ = std::make_unique<QSystemTrayIcon>(DrawIcon(kProgramIcon));
         // No context menu of Qt's own: the form decides what a right click does.
         QObject::connect(icon_.get(), &QSystemTrayIcon::activated, [this](QSystemTrayIcon::ActivationReason reason) {
             int message = 0;

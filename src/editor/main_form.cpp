@@ -98,6 +98,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
       desktop_(desktop),
       input_(input) {
     SetCaption(kMainFormCaption);
+    Icon = kProgramIcon;
 
     struct Tip {
         form::Control& control;

@@ -12,7 +12,7 @@
 // and, in the folders of their subsystems:
 //   overlay/main_form_show.cpp     Go: the switch between stopped and showing
 //   shell/main_form_startup.cpp    load, settings, unload, stay on top
-//   shell/main_form_commands.cpp   the command channel and the help text
+//   shell/main_form_commands.cpp   the command channel, the help text, the about box
 //   shell/main_form_tray.cpp       the tray icon, its popup, restore
 //   dialogs/main_form_options.cpp  the options dialog and what follows it
 #pragma once
@@ -233,6 +233,7 @@ public:
     // ---- Command channel (shell/main_form_commands.cpp) ------------------
     void txtChangeModeHid_Change();
     void mnuHelpHelp_Click();
+    void mnuHelpAbout_Click();
 
     // ---- Tray icon (shell/main_form_tray.cpp) ----------------------------
     void CreateTrayIcon();

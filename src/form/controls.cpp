@@ -43,6 +43,21 @@ void Control::Move(int left, int top, int width, int height) {
 PictureBox::PictureBox(Form* owner, std::string name, std::string picture)
     : Control(owner, std::move(name)), picture_(std::move(picture)) {}
 
+void PictureBox::SetPicture(std::string picture) {
+    picture_ = std::move(picture);
+    Changed(Property::Picture);
+}
+
+void HyperLinkLabel::SetCaption(std::string caption) {
+    caption_ = std::move(caption);
+    Changed(Property::Caption);
+}
+
+void HyperLinkLabel::SetAddress(std::string address) {
+    address_ = std::move(address);
+    Changed(Property::Address);
+}
+
 bool Control::SetFocus() { return owner_ ? owner_->SetFocusTo(*this) : false; }
 
 void Label::SetCaption(std::string caption) {

@@ -24,7 +24,7 @@ inline constexpr std::int32_t kInvalidPropertyValue = 380;
 
 enum class Property {
     Text, Caption, Enabled, Visible, BackColor, ForeColor, ToolTipText, Selection, Value, Range,
-    Items, ListIndex, Selected, Checked, Interval, TimerEnabled, Focus, Geometry,
+    Items, ListIndex, Selected, Checked, Interval, TimerEnabled, Focus, Geometry, Picture, Address,
 };
 
 class Control {
@@ -84,14 +84,37 @@ private:
     std::string caption_;
 };
 
-// A picture drawn by the desktop from its name (a sign, an icon).
+// A picture drawn by the desktop from its name (a sign, an icon); none
+// when the name is empty.
 class PictureBox : public Control {
 public:
-    PictureBox(Form* owner, std::string name, std::string picture);
+    PictureBox(Form* owner, std::string name, std::string picture = {});
     const std::string& Picture() const { return picture_; }
+    void SetPicture(std::string picture);
 
 private:
     std::string picture_;
+};
+
+// A caption shown as a link. A click on it opens its address; the desktop
+// does that by itself, no handler of the form takes part.
+class HyperLinkLabel : public Control {
+public:
+    using Control::Control;
+    const std::string& Caption() const { return caption_; }
+    void SetCaption(std::string caption);
+    const std::string& Address() const { return address_; }
+    void SetAddress(std::string address);
+
+private:
+    std::string caption_;
+    std::string address_;
+};
+
+// A decorative etched line: horizontal when its Height is 0, else vertical.
+class Line : public Control {
+public:
+    using Control::Control;
 };
 
 class TextBox : public Control {

@@ -30,6 +30,12 @@ public:
     int Top = 0;
     int Width = 0;
     int Height = 0;
+    // The picture of the window's icon, by name as a PictureBox names it;
+    // empty: the desktop's default.
+    std::string Icon;
+    // A dialog shown over this form is centred on it and stays in front of
+    // it; none: a form without a place of its own is centred on the screen.
+    const Form* CentreOwner = nullptr;
 
     Control* ActiveControl() const { return active_; }
     // Moves the focus: the control left runs its Validate first (when the

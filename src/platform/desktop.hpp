@@ -13,6 +13,10 @@ class Form;
 class MenuItem;
 }  // namespace form
 
+// The picture of the program's icon, which its main window, the tray and the
+// about box show.
+inline constexpr char kProgramIcon[] = "icoCrosshair";
+
 // Indexes of the screen metrics: the primary screen, the virtual screen.
 enum SystemMetric : int {
     SM_CXSCREEN = 0,

@@ -4,11 +4,13 @@
 #include <iterator>
 #include <string>
 
+#include "dialogs/about_form.hpp"
 #include "dialogs/message_box.hpp"
 #include "editor/main_form.hpp"
 #include "lib/path_basics.hpp"
 #include "lib/text.hpp"
 #include "lib/window_helpers.hpp"
+#include "shell/deployment.hpp"
 #include "store/data_file.hpp"
 
 namespace ostrivane {
@@ -37,6 +39,7 @@ std::string HelpText() {
 void MainForm::WireCommandEvents() {
     txtChangeModeHid.Change.Connect([this] { txtChangeModeHid_Change(); });
     mnuHelpHelp.Click.Connect([this] { mnuHelpHelp_Click(); });
+    mnuHelpAbout.Click.Connect([this] { mnuHelpAbout_Click(); });
 }
 
 void MainForm::txtChangeModeHid_Change() {
@@ -66,5 +69,10 @@ void MainForm::txtChangeModeHid_Change() {
 }
 
 void MainForm::mnuHelpHelp_Click() { dialogs_.MsgBox(HelpText(), vbOKOnly, kAppTitle); }
+
+void MainForm::mnuHelpAbout_Click() {
+    lib_ShowAbout(desktop_, this, ExecutableBaseName(), VersionText(), "Tarnwick", HomePage(), SupportEmail(), "",
+                  Icon);
+}
 
 }  // namespace ostrivane
