@@ -11,6 +11,7 @@
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/qt_input_box.hpp"
+#include "dialogs/about_form.hpp"
 #include "dialogs/input_box_form.hpp"
 #include "lib/errors.hpp"
 
@@ -305,6 +306,42 @@ TEST(LibraryInputBox, KeysReachTheBoxAndTheButtonsByEnterAndEsc) {
     }
 }
 
+// Takes the addresses the desktop opens, so that no program starts.
+class UrlCatcher : public QObject {
+    Q_OBJECT
+public slots:
+    void Open(const QUrl& url) { opened << url.toString(); }
+
+public:
+    QStringList opened;
+};
+
+// A click on a link opens its address; the caption shows as Latin-1; Esc
+// presses OK, which closes the box.
+TEST(AboutBox, LinksOpenTheirAddressAndEscCloses) {
+    AboutForm about;
+    about.lblCopyright.SetCaption("Copyright \xA9" "2026");
+    about.hlkHome.SetCaption("www.example");
+    about.hlkHome.SetAddress("http://www.example");
+    about.hlkEmail.SetCaption("a_b@example");
+    about.hlkEmail.SetAddress("mailto:a_b@example?Subject=Hi there");
+    QtFormBinding binding(about);
+    RunEntryPoint([&] { about.SetVisible(true); });
+    UrlCatcher catcher;
+    for (const char* scheme : {"http", "mailto"}) QDesktopServices::setUrlHandler(scheme, &catcher, "Open");
+    for (const form::HyperLinkLabel* link : {&about.hlkEmail, &about.hlkHome})
+        QTest::mouseClick(binding.WidgetOf(*link), Qt::LeftButton, {}, QPoint(4, 4));
+    for (const char* scheme : {"http", "mailto"}) QDesktopServices::unsetUrlHandler(scheme);
+    EXPECT_EQ(catcher.opened, QStringList({"mailto:a_b@example?Subject=Hi there", "http://www.example"}));
+    EXPECT_EQ(qobject_cast<QLabel*>(binding.WidgetOf(about.hlkEmail))->text(), "a_b@example");
+    EXPECT_EQ(qobject_cast<QLabel*>(binding.WidgetOf(about.lblCopyright))->text(), QString::fromUtf8("Copyright \u00a92026"));
+    binding.Window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(binding.Window()));
+    QTest::keyClick(binding.WidgetOf(about.cmdOk), Qt::Key_Escape);
+    EXPECT_TRUE(about.Unloaded());
+    EXPECT_FALSE(about.Visible() || binding.Window()->isVisible());
+}
+
 TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     // The box is dismissed as a user would; the program then ends.
@@ -319,3 +356,5 @@ TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
 
 }  // namespace
 }  // namespace ostrivane::desktop
+
+#include "binding_test.moc"

@@ -4,7 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "dialogs/about_form.hpp"
 #include "dialogs/message_box.hpp"
+#include "shell/deployment.hpp"
+#include "store/data_file.hpp"
 #include "editor/main_form_fixture.hpp"
 
 namespace ostrivane::testing {
@@ -79,6 +82,21 @@ TEST_F(CommandTest, HelpShowsTheLanguageInOnePlainBox) {
     EXPECT_NE(dialogs.asked[0].prompt.find("/quit - unload the program."), std::string::npos);
     EXPECT_EQ(dialogs.asked[0].flags, 0);
     EXPECT_EQ(dialogs.asked[0].title, "Ostrivane");
+}
+
+// The program's own name, version, addresses and icon, over the main form.
+TEST_F(CommandTest, AboutShowsTheProgramOverTheMainForm) {
+    Lines shown;
+    desktop.whileModal = [&](form::Form& f) {
+        auto& a = dynamic_cast<AboutForm&>(f);
+        shown = {a.Caption(), a.lblVersion.Caption(), a.lblCopyright.Caption().substr(15), a.hlkHome.Caption(),
+                 a.hlkEmail.Address(), a.imgIcon.Picture(), a.CentreOwner == &frm ? "over frmMain" : "elsewhere"};
+    };
+    frm.mnuHelpAbout.PerformClick();
+    const std::string name = ExecutableBaseName();
+    EXPECT_EQ(shown, (Lines{"About " + name, name + "  v" + VersionText(), " Tarnwick", HomePage(),
+                            "mailto:" + SupportEmail(), frm.Icon, "over frmMain"}));
+    EXPECT_FALSE(frm.Icon.empty());
 }
 
 }  // namespace
