@@ -114,18 +114,12 @@ void QtDesktop::ShowModal(form::Form& form) {
     if (auto* box = dynamic_cast<InputBoxForm*>(&form)) AttachInputBox(*binding, *box);
     QtFormBinding* owner = form.CentreOwner ? QtFormBinding::For(*form.CentreOwner) : nullptr;
     if (owner && !owner->Window()->isVisible()) owner = nullptr;
-    if (owner) {
-        // In front of its owner, as the window manager keeps a transient window.
-        window->winId();
-        owner->Window()->winId();
-        window->windowHandle()->setTransientParent(owner->Window()->windowHandle());
-    }
     if (owner || (form.Left == 0 && form.Top == 0)) {
         // Centred on the owner; a form with no place of its own, on the screen.
         binding->Sync();
         window->adjustSize();
         const QScreen* screen = QGuiApplication::primaryScreen();
-        const QRect area = owner  ? owner->Window()->frameGeometry()
+        const QRect area = owner    ? owner->Window()->frameGeometry()
                            : screen ? screen->availableGeometry()
                                     : QRect(0, 0, 1024, 768);
         const QSize size = window->sizeHint();
@@ -138,6 +132,13 @@ void QtDesktop::ShowModal(form::Form& form) {
         if (!form.Visible()) loop.quit();
     };
     binding->Sync();
+    if (owner) {
+        // In front of its owner, as the window manager keeps a transient
+        // window. Only once placed: a native window made earlier would map
+        // where the widget was before.
+        window->winId();
+        window->windowHandle()->setTransientParent(owner->Window()->windowHandle());
+    }
     form.SetVisible(true);
     binding->Sync();
     if (form.Visible() && !ending_) {
