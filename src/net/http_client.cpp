@@ -214,7 +214,7 @@ std::string lib_clsHTTP::Request(const char* verb, const char* agent, const std:
             lBufferSize = TextToInt32(*length);
             expected = lBufferSize;
             bufferSize = static_cast<std::size_t>(std::max(lBufferSize, 0));
-            result.reserve(bufferSize);
+            result.reserve(std::min<std::size_t>(bufferSize, std::size_t{64} << 20));
         }
         // The reads land straight at the result's end; a huge announced
         // length is read in spans, not asked for in one piece.
@@ -241,7 +241,7 @@ std::string lib_clsHTTP::WriteHTTPDataToString() {
         // The body gathers in blocks and is joined once at the end: a large
         // page never needs the double room of a string that outgrows itself.
         constexpr std::size_t kFirstBlock = 64 * 1024;
-        constexpr std::size_t kBlock = 1024 * 1024;
+        constexpr std::size_t kBlock = 256 * 1024;
         std::vector<std::string> blocks;
         std::size_t total = 0;
         for (;;) {
