@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "desktop/curl_transport.hpp"
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
 #include "desktop/instance_socket.hpp"
@@ -52,6 +53,8 @@ extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     MainForm frm(dialogs, overlay, desk, input);
     overlay.Attach(frm);
     frm.settings = &settings;
+    desktop::CurlTransport internet;
+    frm.internet = &internet;
 
     desktop::QtFormBinding binding(frm, frm.MenuBar());
     binding.OnQueryUnload = [&frm](bool& cancel) {

@@ -211,6 +211,7 @@ MainForm::MainForm(Dialogs& dialogs, Overlay& overlay, Desktop& desktop, Input& 
     WireGrabEvents();
     WireFlashEvents();
     WireOptionsEvents();
+    WireUpdateCheckEvents();
 }
 
 }  // namespace ostrivane

@@ -15,6 +15,7 @@
 //   shell/main_form_commands.cpp   the command channel, the help text, the about box
 //   shell/main_form_tray.cpp       the tray icon, its popup, restore
 //   dialogs/main_form_options.cpp  the options dialog and what follows it
+//   net/main_form_update_check.cpp the update check of the Help menu
 #pragma once
 
 #include <cstdint>
@@ -32,6 +33,7 @@
 
 namespace ostrivane {
 
+class InternetTransport;
 class SettingStore;
 
 inline constexpr char kMainFormCaption[] = "Ostrivane";
@@ -245,6 +247,11 @@ public:
     // ---- Options dialog (dialogs/main_form_options.cpp) ------------------
     void mnuOptions_Click();
 
+    // ---- Update check (net/main_form_update_check.cpp) -------------------
+    void mnuHelpCheckOnlineForUpdates_Click();
+    // What the update check goes through; set by main(). Unset, it raises 91.
+    InternetTransport* internet = nullptr;
+
     // ---- Layout (main_form_layout.cpp) -----------------------------------
     void LayOutControls();
 
@@ -269,6 +276,7 @@ private:
     void WireGrabEvents();
     void WireFlashEvents();
     void WireOptionsEvents();
+    void WireUpdateCheckEvents();
 
     Dialogs& dialogs_;
     Overlay& overlay_;

@@ -78,6 +78,18 @@ std::string RTrim(std::string_view text) {
     return e == std::string_view::npos ? std::string() : std::string(text.substr(0, e + 1));
 }
 
+std::string ReplaceAll(std::string_view text, std::string_view find, std::string_view with) {
+    if (find.empty()) return std::string(text);
+    std::string out;
+    out.reserve(text.size());
+    std::size_t from = 0;
+    for (std::size_t at = text.find(find); at != std::string_view::npos; at = text.find(find, from)) {
+        out.append(text.substr(from, at - from)).append(with);
+        from = at + find.size();
+    }
+    return out.append(text.substr(from));
+}
+
 std::string Trim(std::string_view text) {
     const auto b = text.find_first_not_of(' ');
     if (b == std::string_view::npos) return std::string();

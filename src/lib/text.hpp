@@ -18,6 +18,10 @@ int CompareNoCase(std::string_view a, std::string_view b);
 // Position of what in text from start, without regard to case; npos if absent.
 std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t start = 0);
 
+// Every find text in text replaced, left to right, without looking again
+// at what was put in; exact, case-sensitive. An empty find text changes nothing.
+std::string ReplaceAll(std::string_view text, std::string_view find, std::string_view with);
+
 // Trim removes spaces only, as the run time does; tabs stay.
 std::string Trim(std::string_view text);
 std::string LTrim(std::string_view text);

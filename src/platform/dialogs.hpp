@@ -10,6 +10,7 @@ namespace ostrivane {
 // Flags and results of the plain message box.
 enum MsgBoxFlags : int {
     vbOKOnly = 0,
+    vbOKCancel = 1,
     vbYesNoCancel = 3,
     vbYesNo = 4,
     vbCritical = 16,
