@@ -7,6 +7,7 @@
 #include <QDesktopServices>
 #include <QFontMetricsF>
 #include <QKeyEvent>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -385,6 +386,13 @@ void QtFormBinding::ApplyGeometry(const Bound& b) {
     // A line of no thickness in the model is drawn etched, two pixels thick.
     if (auto* line = qobject_cast<QFrame*>(b.widget); line && dynamic_cast<const form::Line*>(b.control))
         line->frameShape() == QFrame::HLine ? rect.setHeight(2) : rect.setWidth(2);
+    // Our font runs wider than the one the forms were laid out for: a one-line
+    // caption that does not fit runs on past its box rather than wrap out of sight.
+    if (auto* label = qobject_cast<QLabel*>(b.widget); label && dynamic_cast<const form::Label*>(b.control)) {
+        const QFontMetrics metrics(label->font());
+        if (rect.height() < 2 * metrics.height() && !label->text().contains(QLatin1Char('\n')))
+            rect.setWidth(std::max(rect.width(), metrics.horizontalAdvance(label->text())));
+    }
     if (b.widget->geometry() != rect) b.widget->setGeometry(rect);
     if (auto* picture = dynamic_cast<const form::PictureBox*>(b.control)) {
         auto* label = static_cast<QLabel*>(b.widget);
@@ -471,7 +479,10 @@ void QtFormBinding::ApplyAll(Control& c) {
 
     if (auto* label = dynamic_cast<form::Label*>(&c)) {
         auto* q = static_cast<QLabel*>(w);
-        if (q->text() != Latin1(label->Caption())) q->setText(Latin1(label->Caption()));
+        if (q->text() != Latin1(label->Caption())) {
+            q->setText(Latin1(label->Caption()));
+            ApplyGeometry(b);
+        }
     } else if (auto* link = dynamic_cast<form::HyperLinkLabel*>(&c)) {
         auto* q = static_cast<QLabel*>(w);
         if (q->text() != Latin1(link->Caption())) q->setText(Latin1(link->Caption()));
