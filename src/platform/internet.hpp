@@ -84,8 +84,8 @@ public:
     virtual bool SendRequest(InternetHandle request, std::string_view body) = 0;
 
     // Up to size bytes of a reply or remote file into buffer. A transfer that
-    // failed or was cut off by the peer ends as an end of data, so that a
-    // reader's loop always ends.
+    // failed or was cut off by the peer ends as an end of data, and so does a
+    // handle that has nothing to read, so that a reader's loop always ends.
     virtual InternetRead ReadFile(InternetHandle handle, char* buffer, std::size_t size) = 0;
     // 0 and handles already closed are passed over.
     virtual void CloseHandle(InternetHandle handle) = 0;

@@ -113,7 +113,7 @@ public:
     }
     InternetRead ReadFile(InternetHandle h, char* buffer, std::size_t size) override {
         Open* o = Find(h);
-        if (!o) return {false, 0};
+        if (!o) return {true, 0};
         const std::size_t n = std::min({size, o->reply.chunk, o->reply.body.size() - o->read});
         if (n > 0) std::memcpy(buffer, o->reply.body.data() + o->read, n);
         o->read += n;
