@@ -17,6 +17,7 @@
 
 #include "desktop/curl_pull.hpp"
 #include "desktop/curl_transport.hpp"
+#include "lib/strings.hpp"
 
 namespace ostrivane::desktop {
 
@@ -335,7 +336,7 @@ bool CurlTransport::FtpPutFile(InternetHandle connection, std::string_view local
     FtpSession* const session = SessionOf(Find<FtpConnection>(connection), lastError_);
     if (session == nullptr) return 0;
     FtpSession& s = *session;
-    std::FILE* const file = std::fopen(std::string(localFile).c_str(), "rb");
+    std::FILE* const file = std::fopen(NativePath(localFile).c_str(), "rb");
     if (file == nullptr) return lastError_ = ERROR_FILE_NOT_FOUND, false;
     Aim(s, PathUrl(s, Absolute(s.cwd, remoteName), false));
     curl_easy_setopt(s.easy, CURLOPT_UPLOAD, 1L);

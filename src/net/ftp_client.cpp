@@ -33,7 +33,7 @@ constexpr const char* kDownloadSource = "FTP::WriteFTPDataToFile";
 
 }  // namespace
 
-lib_clsFTP::lib_clsFTP(InternetTransport& transport) : transport_(transport) {
+lib_clsFTP::lib_clsFTP(InternetTransport& transport, WindowSystem& windows) : transport_(transport), windows_(windows) {
     connected_ = transport_.GetConnectedState();
 }
 
@@ -119,19 +119,15 @@ void lib_clsFTP::UploadFileToFTPServer() {
 }
 
 void lib_clsFTP::TakeActiveWindowAsOwner() {
-    if (owner_ != 0) return;
-    WindowSystem* ws = lib_AttachedWindowSystem();
-    owner_ = ws != nullptr ? ws->GetForegroundWindow() : 0;
+    if (owner_ == 0) owner_ = windows_.GetForegroundWindow();
 }
 
 std::string lib_clsFTP::AskForFile(std::string_view ownerText, std::string_view fileText) {
     const WindowHandle ownerValue = TextToInt32(ownerText);
     std::string file(fileText);
-    WindowSystem* ws = lib_AttachedWindowSystem();
-    if (ws == nullptr) return std::string();
     std::error_code ec;
-    const std::string here = std::filesystem::current_path(ec).string();
-    return lib_GetSaveFile(*ws, here, "", "", ownerValue, file, "");
+    const std::string here = Latin1Name(std::filesystem::current_path(ec));
+    return lib_GetSaveFile(windows_, here, "", "", ownerValue, file, "");
 }
 
 void lib_clsFTP::SourceFile(std::string_view pstrFile) {
@@ -144,7 +140,7 @@ void lib_clsFTP::SourceFile(std::string_view pstrFile) {
     source_ = path;
     upload_ = true;
     std::error_code ec;
-    const std::uintmax_t length = std::filesystem::file_size(source_, ec);
+    const std::uintmax_t length = std::filesystem::file_size(NativePath(source_), ec);
     if (ec) Raise(kFileNotFound);
     size_ = CheckedInt32(static_cast<std::int64_t>(length));
 }
@@ -187,7 +183,7 @@ void lib_clsFTP::DownloadToFile() {
     if (const std::optional<std::int32_t> available = transport_.QueryDataAvailable(remoteFile_)) size_ = *available;
     if (size_ == 0) size_ = 1;
     if (file_ != nullptr) std::fclose(file_);
-    file_ = std::fopen(destination_.c_str(), "w+b");
+    file_ = std::fopen(NativePath(destination_).c_str(), "w+b");
     if (file_ == nullptr) Raise(kSilentEnd);
     char buffer[kBlock];
     for (;;) {

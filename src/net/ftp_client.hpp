@@ -19,7 +19,8 @@ inline constexpr std::string_view kAnonymousFtpPassword = "ostrivane@users.inval
 
 class lib_clsFTP {
 public:
-    explicit lib_clsFTP(InternetTransport& transport);
+    // The file dialogs, and the active window as their owner, come from windows.
+    lib_clsFTP(InternetTransport& transport, WindowSystem& windows);
     ~lib_clsFTP();
     lib_clsFTP(const lib_clsFTP&) = delete;
     lib_clsFTP& operator=(const lib_clsFTP&) = delete;
@@ -73,6 +74,7 @@ private:
     void DownloadToFile();
 
     InternetTransport& transport_;
+    WindowSystem& windows_;
     std::string url_;
     std::string destination_;
     bool connected_ = false;

@@ -10,6 +10,7 @@
 
 #include "desktop/curl_ftp.hpp"
 #include "desktop/curl_transport.hpp"
+#include "fakes/fake_window_system.hpp"
 #include "net/ftp_client.hpp"
 #include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
@@ -55,6 +56,7 @@ struct LiveFtp : ::testing::Test {
     std::string root = dir.file("root");
     std::string local = dir.file("up.bin");
     std::string content = std::string(300000, 'a') + "end";
+    fakes::FakeWindowSystem windows;
     LiveFtp() {
         std::filesystem::create_directories(root + "/pub");
         WriteBytes(local, content);
@@ -85,7 +87,7 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
          Err(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'.")},
     };
     for (const auto& row : rows) {
-        lib_clsFTP ftp(transport);
+        lib_clsFTP ftp(transport, windows);
         ftp.FtpURL(row.url);
         ftp.AutoCreateRemoteDir(row.autoCreate);
         const std::string failure = FailureOf([&] {
@@ -106,7 +108,7 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
     EXPECT_EQ(transport.GetLastError(), 12003u);
     EXPECT_EQ(transport.LastResponseInfo(), "530 Authentication failed.");
 
-    lib_clsFTP finder(transport);
+    lib_clsFTP finder(transport, windows);
     finder.FtpURL("ftp://127.0.0.1/");
     finder.ConnectToFTPHost();
     const std::pair<const char*, bool> names[] = {{"/pub/ten.bin", true}, {"/pub/t*.bin", true}, {"ten.bin", false},
@@ -123,7 +125,7 @@ TEST_F(LiveFtp, AServerKilledMidwayEndsTheDownload) {
     WriteBytes(root + "/pub/big.bin", std::string(4 << 20, 'b'));
     FtpServer server(root, "200000");
     desktop::CurlTransport transport;
-    lib_clsFTP slow(transport);
+    lib_clsFTP slow(transport, windows);
     slow.FtpURL("ftp://127.0.0.1/pub/big.bin");
     slow.ConnectToFTPHost();
     slow.DestinationFile(dir.file("big.bin"));

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "fakes/fake_ftp.hpp"
+#include "fakes/fake_window_system.hpp"
 #include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
 
@@ -21,7 +22,8 @@ std::string Err(std::int32_t number, const std::string& rest) {
 struct Session {
     TempDir dir;
     fakes::FakeFtp server;
-    lib_clsFTP ftp{server};
+    fakes::FakeWindowSystem windows;
+    lib_clsFTP ftp{server, windows};
     std::string local = dir.file("up.bin");
     explicit Session(std::string url = "ftp://files.example/pub/f.bin") {
         server.directories = {"/", "/pub", "/pub/in"};
@@ -144,7 +146,7 @@ TEST(FtpClient, DownloadFailures) {
 TEST(FtpClient, SourceFileFlagsAndFinder) {
     Session s;
     s.server.online = false;
-    lib_clsFTP offline(s.server);
+    lib_clsFTP offline(s.server, s.windows);
     EXPECT_FALSE(offline.IsConnected());
     s.server.online = true;
     EXPECT_FALSE(offline.IsConnected());
