@@ -1,6 +1,6 @@
 // The FTP side of the transport. A connection is one logged-in control
-// connection, kept in a share of its own so that it outlives each transfer,
-// also a download pulled through a multi handle of its own. Curl keeps no
+// connection, kept in a share of its own so that every transfer finds it
+// again, a download pulled through the reader's own multi handle too. Curl keeps no
 // working directory between transfers, so the connection keeps it, and every
 // command names an absolute path. A command the server refuses leaves its
 // reply for LastResponseInfo and ERROR_INTERNET_EXTENDED_ERROR as the error.
@@ -219,7 +219,8 @@ public:
 
     // False, with the transfer ended, when no data came and the transfer failed.
     bool Start() {
-        if (pull_->Start() && pull_->Result() == CURLE_OK && session_->code < 400) return true;
+        const bool replied = pull_->Start();
+        if (replied && (pull_->Available() > 0 || (pull_->Result() == CURLE_OK && session_->code < 400))) return true;
         result_ = pull_->Result();
         Finish();
         return false;
@@ -237,10 +238,13 @@ public:
     }
 
 private:
+    // Gives the easy handle back; the session is no longer held, so that
+    // closing the connection ends it even while this handle stays open.
     void Finish() {
         if (pull_ && result_ == CURLE_OK) result_ = pull_->Result();
         pull_.reset();
-        session_->busy = false;
+        if (session_) session_->busy = false;
+        session_.reset();
     }
 
     std::shared_ptr<FtpSession> session_;

@@ -51,10 +51,6 @@ public:
         if (it == files.end()) return Refuse("550 Not found."), 0;
         return Add(Open{FakeReply{std::nullopt, it->second, std::nullopt, chunk}, 0});
     }
-    InternetHandle FtpFindFirstFile(InternetHandle, std::string_view name) override {
-        Log("FIND " + std::string(name));
-        return files.count(Path(name)) ? Add(Open{}) : 0;
-    }
     std::uint32_t GetLastError() override { return lastError_; }
     std::string LastResponseInfo() override { return response_; }
 

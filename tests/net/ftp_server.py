@@ -1,9 +1,8 @@
 #!/usr/bin/python3
-# A local FTP server for the transport's tests: user "ann" (password
-# "secret") may do everything, anonymous may read; both see the same root.
-# Prints the port it listens on. An optional second argument caps downloads
-# at that many bytes a second.
+# A local FTP server on the root given: "ann" (password "secret") may do everything, anonymous may
+# read. Prints its port and process id. A second argument caps downloads at that many bytes a second.
 import logging
+import os
 import sys
 
 from pyftpdlib.authorizers import DummyAuthorizer
@@ -19,5 +18,5 @@ FTPHandler.authorizer = authorizer
 FTPHandler.dtp_handler = ThrottledDTPHandler
 FTPHandler.auth_failed_timeout = 0
 server = FTPServer(("127.0.0.1", 0), FTPHandler)
-print(server.address[1], flush=True)
+print(server.address[1], os.getpid(), flush=True)
 server.serve_forever(handle_exit=False)
