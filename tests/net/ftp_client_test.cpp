@@ -133,6 +133,11 @@ TEST(FtpClient, SourceFileAndFlags) {
     EXPECT_FALSE(offline.IsConnected());  // the flag of the start, not asked again
     offline.DialDefaultNumber();
     EXPECT_TRUE(offline.IsConnected());
+    s.server.online = false;
+    offline.DialDefaultNumber();
+    EXPECT_FALSE(offline.IsConnected());
+    offline.HangUp();
+    EXPECT_TRUE(offline.IsConnected());  // the hang-up's success, as it has always been
     EXPECT_EQ(std::count(s.server.calls.begin(), s.server.calls.end(), "Autodial"), 0);
 
     EXPECT_EQ(FailureOf([&] { s.ftp.SourceFile(s.dir.file("missing")); }), "53 Ostrivane: File not found");
