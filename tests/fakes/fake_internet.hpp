@@ -134,7 +134,7 @@ public:
 
     std::size_t OpenHandles() const { return open_.size(); }
 
-private:
+protected:
     struct Open {
         FakeReply reply;
         std::size_t read = 0;
