@@ -26,7 +26,7 @@ const Lines kBeta = {"DataFormat=1", "Defaults=0,0,-1,-1,-1,-1,-1,-1,", "1=10,20
 
 class GroupTest : public MainFormTest {
 protected:
-    void Setup(const std::vector<std::pair<std::string, Lines>>& groups) {
+    void WriteGroups(const std::vector<std::pair<std::string, Lines>>& groups) {
         std::string text = "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n";
         for (const auto& [name, lines] : groups) {
             text += "[" + name + "]\r\n";
@@ -36,7 +36,7 @@ protected:
         frm.LoadGroupList();
     }
     void LoadAlpha() {
-        Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+        WriteGroups({{"Alpha", kAlpha}, {"Beta", kBeta}});
         frm.lstGroups.SetListIndex(0);
     }
     static Lines Split(const std::string& text, char delimiter, bool headers = false) {
@@ -69,7 +69,7 @@ protected:
         return v;
     }
     int LoadOnly(const Lines& lines) {
-        Setup({{"G", lines}});
+        WriteGroups({{"G", lines}});
         return ErrorOf([&] { frm.lstGroups.SetListIndex(0); });
     }
 };
@@ -88,7 +88,7 @@ TEST_F(GroupTest, ListHoldsTheSectionsInFileOrderWithoutTheSettingsSection) {
 // A load while showing rebuilds the lines and stops the flashing; the flash
 // timer runs after a load only when its box is checked.
 TEST_F(GroupTest, LoadFillsTableFieldsNotesControlsAndLinesButLosesTheDottedDefault) {
-    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+    WriteGroups({{"Alpha", kAlpha}, {"Beta", kBeta}});
     frm.Showing = true;
     frm.FlashPhase = true;
     frm.timFlashSelected.SetTimerEnabled(true);
@@ -203,7 +203,7 @@ TEST_F(GroupTest, PromptOrLeavingAGroupAsksAndYesSavesItFirst) {
 // With no group loaded a save asks for a name. A listed name is overwritten
 // and the selection stays; a new one is added at the end and loaded.
 TEST_F(GroupTest, SaveAsOverwritesAListedNameOrAddsANewOneAtTheEndAndLoadsIt) {
-    Setup({{"Alpha", kAlpha}, {"Beta", kBeta}});
+    WriteGroups({{"Alpha", kAlpha}, {"Beta", kBeta}});
     frm.AppendMarker(5, 6, -2, -2, -1, -1, -1, -1);
     Ask(0, "Fresh");
     frm.cmdSaveGroup.PerformClick();
