@@ -37,13 +37,17 @@ bool ForwardedWithoutToolkit(int argc, char** argv, bool& refused) {
     return !refused && !text.empty() && desktop::ForwardToRunningCopy(InstanceName(), text);
 }
 
-// Beside the program file (the build tree), else where the loader looks.
+// Beside the program file (the build tree), else in the installed tree's
+// module directory seen from the program's (so that an unpacked package runs
+// where it lies), else where the loader looks.
 std::string DesktopModulePath() {
     std::error_code ec;
     const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ec);
     if (!ec) {
-        const std::filesystem::path beside = self.parent_path() / kDesktopModule;
-        if (std::filesystem::exists(beside, ec)) return beside.string();
+        for (const std::filesystem::path& dir : {self.parent_path(), self.parent_path() / OSTRIVANE_MODULE_DIR}) {
+            const std::filesystem::path module = dir / kDesktopModule;
+            if (std::filesystem::exists(module, ec)) return module.lexically_normal().string();
+        }
     }
     return kDesktopModule;
 }
