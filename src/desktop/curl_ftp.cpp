@@ -17,23 +17,13 @@
 
 #include "desktop/curl_pull.hpp"
 #include "desktop/curl_transport.hpp"
+#include "desktop/transport_errors.hpp"
 #include "lib/strings.hpp"
 
 namespace ostrivane::desktop {
 
 namespace {
 
-// Error numbers of the transport.
-constexpr std::uint32_t ERROR_FILE_NOT_FOUND = 2;
-constexpr std::uint32_t ERROR_INVALID_HANDLE = 6;
-constexpr std::uint32_t ERROR_NO_MORE_FILES = 18;
-constexpr std::uint32_t ERROR_INVALID_PARAMETER = 87;
-constexpr std::uint32_t ERROR_INTERNET_TIMEOUT = 12002;
-constexpr std::uint32_t ERROR_INTERNET_NAME_NOT_RESOLVED = 12007;
-constexpr std::uint32_t ERROR_INTERNET_LOGIN_FAILURE = 12015;
-constexpr std::uint32_t ERROR_INTERNET_CANNOT_CONNECT = 12029;
-constexpr std::uint32_t ERROR_INTERNET_CONNECTION_ABORTED = 12030;
-constexpr std::uint32_t ERROR_FTP_TRANSFER_IN_PROGRESS = 12110;
 constexpr std::uint32_t FTP_TRANSFER_TYPE_ASCII = 0x1;
 
 // A dead server ends a call after these, never hangs it.
@@ -45,6 +35,8 @@ constexpr std::size_t kListingLimit = 8 * 1024 * 1024;
 
 std::uint16_t servicePort = 21;
 
+class FtpDownload;
+
 struct FtpSession {
     CURL* easy = curl_easy_init();
     CURLSH* share = curl_share_init();
@@ -54,7 +46,7 @@ struct FtpSession {
     std::string reply;
     bool replyDone = true;
     int code = 0;
-    bool busy = false;  // a download holds the easy handle
+    FtpDownload* busy = nullptr;  // the download that holds the easy handle
     std::string listing;
 
     FtpSession() = default;
@@ -170,13 +162,7 @@ bool Sendable(std::string_view text) { return text.find_first_of("\r\n") == std:
 // The error of a call that failed: the server's refusal when it gave one.
 std::uint32_t ErrorOf(CURLcode result, const FtpSession& s) {
     if (s.code >= 400) return ERROR_INTERNET_EXTENDED_ERROR;
-    switch (result) {
-        case CURLE_OPERATION_TIMEDOUT: return ERROR_INTERNET_TIMEOUT;
-        case CURLE_COULDNT_RESOLVE_HOST: return ERROR_INTERNET_NAME_NOT_RESOLVED;
-        case CURLE_COULDNT_CONNECT: return ERROR_INTERNET_CANNOT_CONNECT;
-        case CURLE_LOGIN_DENIED: return ERROR_INTERNET_LOGIN_FAILURE;
-        default: return ERROR_INTERNET_CONNECTION_ABORTED;
-    }
+    return ErrorOfTransfer(result, ERROR_INTERNET_CONNECTION_ABORTED);
 }
 
 // One command on the control connection; a refusal does not close it.
@@ -194,6 +180,7 @@ CURLcode Command(FtpSession& s, const std::string& command) {
 
 struct FtpConnection final : CurlHandle {
     explicit FtpConnection(std::shared_ptr<FtpSession> s) : session(std::move(s)) {}
+    ~FtpConnection() override;
     std::shared_ptr<FtpSession> session;
 };
 
@@ -211,7 +198,7 @@ public:
         curl_easy_setopt(session_->easy, CURLOPT_HEADERFUNCTION, &OnReply);
         curl_easy_setopt(session_->easy, CURLOPT_HEADERDATA, session_.get());
         SetTimeouts(session_->easy);
-        session_->busy = true;
+        session_->busy = this;
     }
     ~FtpDownload() override { Finish(); }
     FtpDownload(const FtpDownload&) = delete;
@@ -237,20 +224,26 @@ public:
         return static_cast<std::int32_t>(std::min<std::size_t>(pull_->Available(), INT32_MAX));
     }
 
-private:
-    // Gives the easy handle back; the session is no longer held, so that
-    // closing the connection ends it even while this handle stays open.
+    // Gives the easy handle back and lets go of the session: from here on
+    // the handle reads as ended.
     void Finish() {
         if (pull_ && result_ == CURLE_OK) result_ = pull_->Result();
         pull_.reset();
-        if (session_) session_->busy = false;
+        if (session_) session_->busy = nullptr;
         session_.reset();
     }
+
+private:
 
     std::shared_ptr<FtpSession> session_;
     std::unique_ptr<CurlPull> pull_;
     CURLcode result_ = CURLE_OK;
 };
+
+// A file still open on the connection ends with it.
+FtpConnection::~FtpConnection() {
+    if (session->busy != nullptr) session->busy->Finish();
+}
 
 // The session of a connection that is free for a command; none sets the error.
 FtpSession* SessionOf(FtpConnection* holder, std::uint32_t& error) {

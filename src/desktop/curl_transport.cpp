@@ -10,32 +10,16 @@
 #include <vector>
 
 #include "desktop/curl_pull.hpp"
+#include "desktop/transport_errors.hpp"
 
 namespace ostrivane::desktop {
 
 namespace {
 
-// Codes of GetLastError.
-constexpr std::uint32_t kInvalidHandle = 6;
-constexpr std::uint32_t kTimeout = 12002;
-constexpr std::uint32_t kInternalError = 12004;
-constexpr std::uint32_t kInvalidUrl = 12005;
-constexpr std::uint32_t kNameNotResolved = 12007;
-constexpr std::uint32_t kCannotConnect = 12029;
-
 constexpr std::size_t kWindow = 64 * 1024;
 constexpr long kMaxRedirects = 20;
 
-std::uint32_t ErrorOf(CURLcode code) {
-    switch (code) {
-        case CURLE_COULDNT_RESOLVE_HOST: return kNameNotResolved;
-        case CURLE_COULDNT_CONNECT: return kCannotConnect;
-        case CURLE_OPERATION_TIMEDOUT: return kTimeout;
-        case CURLE_URL_MALFORMAT:
-        case CURLE_UNSUPPORTED_PROTOCOL: return kInvalidUrl;
-        default: return kInternalError;
-    }
-}
+std::uint32_t ErrorOf(CURLcode code) { return ErrorOfTransfer(code, ERROR_INTERNET_INTERNAL_ERROR); }
 
 bool SameNoCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -206,7 +190,7 @@ InternetHandle CurlTransport::OpenSession(std::string_view agent, std::int32_t) 
 InternetHandle CurlTransport::OpenUrl(InternetHandle session, std::string_view url, std::uint32_t flags) {
     const Session* owner = Find<Session>(session);
     if (owner == nullptr) {
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return 0;
     }
     auto request = std::make_unique<HttpRequest>();
@@ -251,7 +235,7 @@ InternetHandle CurlTransport::Connect(InternetHandle session, std::string_view h
     if (service == INTERNET_SERVICE_FTP) return ConnectFtp(session, host, port, user, password, flags);
     const Session* owner = Find<Session>(session);
     if (owner == nullptr || service != INTERNET_SERVICE_HTTP) {
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return 0;
     }
     auto connection = std::make_unique<HttpConnection>();
@@ -267,7 +251,7 @@ InternetHandle CurlTransport::OpenRequest(InternetHandle connection, std::string
                                           std::string_view version, std::uint32_t flags) {
     const HttpConnection* owner = Find<HttpConnection>(connection);
     if (owner == nullptr) {
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return 0;
     }
     auto request = std::make_unique<HttpRequest>();
@@ -285,7 +269,7 @@ InternetHandle CurlTransport::OpenRequest(InternetHandle connection, std::string
 bool CurlTransport::AddRequestHeaders(InternetHandle request, std::string_view headers, std::uint32_t modifiers) {
     HttpRequest* found = Find<HttpRequest>(request);
     if (found == nullptr) {
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return false;
     }
     while (!headers.empty()) {
@@ -311,7 +295,7 @@ bool CurlTransport::AddRequestHeaders(InternetHandle request, std::string_view h
 bool CurlTransport::SendRequest(InternetHandle request, std::string_view body) {
     HttpRequest* found = Find<HttpRequest>(request);
     if (found == nullptr) {
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return false;
     }
     found->body = body;
@@ -326,7 +310,7 @@ InternetRead CurlTransport::ReadFile(InternetHandle handle, char* buffer, std::s
     CurlReadable* found = Find<CurlReadable>(handle);
     if (found == nullptr) {
         // Nothing to read ends at once, so that no reader waits on it.
-        lastError_ = kInvalidHandle;
+        lastError_ = ERROR_INVALID_HANDLE;
         return {true, 0};
     }
     return found->Read(buffer, size);

@@ -10,6 +10,7 @@
 #include "lib/strings.hpp"
 #include "lib/text.hpp"
 #include "lib/window_helpers.hpp"
+#include "net/client_errors.hpp"
 #include "net/parse_url.hpp"
 
 namespace ostrivane {
@@ -20,12 +21,8 @@ constexpr std::string_view kAgent = "WinInet-FileTransferObjects";
 constexpr std::uint32_t kTransferFlags = FTP_TRANSFER_TYPE_BINARY | INTERNET_FLAG_NO_CACHE_WRITE;
 constexpr std::size_t kBlock = 4096;
 
-constexpr std::int32_t kSilentEnd = kObjectErrorBase + 100;
-constexpr std::int32_t kBadUrl = kObjectErrorBase + 1000;
+using namespace client_errors;
 constexpr std::int32_t kCommandFailed = kObjectErrorBase + 2215;
-constexpr std::int32_t kUnknown = kObjectErrorBase + 3000;
-constexpr std::int32_t kCannotConnect = kObjectErrorBase + 4001;
-constexpr std::int32_t kCannotTransfer = kObjectErrorBase + 5000;
 constexpr std::int32_t kDirectoryFailed = kObjectErrorBase + 9999;
 
 constexpr const char* kConnectSource = "FTP::ConnectToFTPHost";
@@ -50,15 +47,15 @@ lib_clsFTP::~lib_clsFTP() {
 
 void lib_clsFTP::ConnectToFTPHost(std::string_view strUserName, std::string_view strPassword) {
     const std::optional<UrlParts> parts = ParseURL(transport_, url_);
-    if (!parts) Raise(kUnknown, kConnectSource, "An unknown error occurred.");
+    if (!parts) Raise(kUnknownError, kConnectSource, kUnknownErrorText);
     parts_ = *parts;
     if (parts_.host.empty())
-        Raise(kBadUrl, kConnectSource, "Bad URL. \r\n" + url_ + "\r\nPlease verify the hyperlink and try again.");
+        Raise(kBadUrl, kConnectSource, BadUrlText(url_));
     session_ = transport_.OpenSession(kAgent, useProxy_ ? INTERNET_OPEN_TYPE_PROXY : INTERNET_OPEN_TYPE_PRECONFIG);
     // The port of the URL is not passed on: the service's own port is used.
     connection_ = transport_.Connect(session_, parts_.host, INTERNET_INVALID_PORT_NUMBER, strUserName, strPassword,
                                      INTERNET_SERVICE_FTP, INTERNET_FLAG_PASSIVE);
-    if (connection_ == 0) Raise(kCannotConnect, kConnectSource, "Couldn't connect to server '" + parts_.host + "'.");
+    if (connection_ == 0) Raise(kNoServer, kConnectSource, NoServerText(parts_.host));
 }
 
 std::int32_t lib_clsFTP::CountTokens(std::string_view text, std::string_view separator) {
@@ -159,12 +156,12 @@ void lib_clsFTP::DialDefaultNumber() { connected_ = transport_.GetConnectedState
 void lib_clsFTP::HangUp() { connected_ = transport_.AutodialHangup(); }
 
 void lib_clsFTP::WriteFTPDataToFile() {
-    if (upload_) Raise(kCannotTransfer, kDownloadSource, "Wrong transfer method selected.");
+    if (upload_) Raise(kNoTransfer, kDownloadSource, "Wrong transfer method selected.");
     try {
         DownloadToFile();
     } catch (const RuntimeError& e) {
         if (e.number() == kSilentEnd) return;
-        if (e.number() == kCannotTransfer) throw;
+        if (e.number() == kNoTransfer) throw;
         Raise(e.number(), kDownloadSource, e.description());
     }
 }
@@ -179,7 +176,7 @@ void lib_clsFTP::DownloadToFile() {
     if (destination_.empty()) Raise(kSilentEnd);
     remoteFile_ = transport_.FtpOpenFile(connection_, parts_.path, GENERIC_READ, kTransferFlags);
     if (remoteFile_ == 0)
-        Raise(kCannotTransfer, kConnectSource, "Cannot start file transfer from '" + parts_.host + "'.");
+        Raise(kNoTransfer, kConnectSource, NoTransferText(parts_.host));
     if (const std::optional<std::int32_t> available = transport_.QueryDataAvailable(remoteFile_)) size_ = *available;
     if (size_ == 0) size_ = 1;
     if (file_ != nullptr) std::fclose(file_);

@@ -12,6 +12,7 @@
 #include "lib/numbers.hpp"
 #include "lib/strings.hpp"
 #include "lib/window_helpers.hpp"
+#include "net/client_errors.hpp"
 #include "net/parse_url.hpp"
 
 namespace ostrivane {
@@ -25,12 +26,8 @@ constexpr std::uint32_t kRequestFlags =
     INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT | INTERNET_FLAG_NO_CACHE_WRITE;
 constexpr std::size_t kReadSize = 4096;
 
-constexpr std::int32_t kSilentEnd = kObjectErrorBase + 100;
-constexpr std::int32_t kBadUrl = kObjectErrorBase + 1000;
+using namespace client_errors;
 constexpr std::int32_t kStatusError = kObjectErrorBase + 2000;
-constexpr std::int32_t kUnknownError = kObjectErrorBase + 3000;
-constexpr std::int32_t kNoServer = kObjectErrorBase + 4001;
-constexpr std::int32_t kNoTransfer = kObjectErrorBase + 5000;
 
 std::optional<double> NumericValue(const std::string& text) {
     try {
@@ -125,13 +122,13 @@ void lib_clsHTTP::ConnectToHTTPHost(std::int16_t pintRetrySecs, bool pblnTextExi
     } catch (const RuntimeError& e) {
         std::string description = e.description();
         if (e.number() == kBadUrl) {
-            description = "Bad URL. \r\n" + url_ + "\r\nPlease verify the hyperlink and try again.";
+            description = BadUrlText(url_);
         } else if (e.number() == kUnknownError) {
-            description = "An unknown error occurred.";
+            description = kUnknownErrorText;
         } else if (e.number() == kNoServer) {
-            description = "Couldn't connect to server '" + parts_.host + "'.";
+            description = NoServerText(parts_.host);
         } else if (e.number() == kNoTransfer) {
-            description = "Cannot start file transfer from '" + parts_.host + "'.";
+            description = NoTransferText(parts_.host);
         }
         Raise(e.number(), e.source() + ":ConnectToHTTPHost()", description);
     }
@@ -203,6 +200,14 @@ std::string lib_clsHTTP::Request(const char* verb, const char* agent, const std:
     const InternetHandle connection =
         transport_.Connect(session, host, port, sUsername, sPassword, INTERNET_SERVICE_HTTP, 0);
     const InternetHandle request = transport_.OpenRequest(connection, verb, sFileName, "HTTP/1.0", kRequestFlags);
+    // Closed in this order on the way out, also when a length beyond 32 bits raises.
+    struct Closer {
+        InternetTransport& t;
+        InternetHandle handles[3];
+        ~Closer() {
+            for (const InternetHandle h : handles) t.CloseHandle(h);
+        }
+    } closer{transport_, {request, session, connection}};
     if (post) {
         transport_.AddRequestHeaders(request, "Content-Type: application/x-www-form-urlencoded\r\n",
                                      HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE);
@@ -210,7 +215,9 @@ std::string lib_clsHTTP::Request(const char* verb, const char* agent, const std:
     std::string result;
     if (transport_.SendRequest(request, post ? std::string_view(strPostData) : std::string_view())) {
         std::int64_t expected = -1;
-        if (const std::optional<std::string> length = transport_.QueryContentLength(request)) {
+        // The answer has to fit the present buffer with its closing NUL.
+        const std::optional<std::string> length = transport_.QueryContentLength(request);
+        if (length && length->size() < bufferSize) {
             lBufferSize = TextToInt32(*length);
             expected = lBufferSize;
             bufferSize = static_cast<std::size_t>(std::max(lBufferSize, 0));
@@ -230,9 +237,6 @@ std::string lib_clsHTTP::Request(const char* verb, const char* agent, const std:
             if (!read.ok || got == 0 || total == expected) break;
         }
     }
-    transport_.CloseHandle(request);
-    transport_.CloseHandle(session);
-    transport_.CloseHandle(connection);
     return result;
 }
 

@@ -96,6 +96,12 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
     const std::pair<const char*, bool> names[] = {{"/pub/ten.bin", true}, {"/pub/t*.bin", true}, {"ten.bin", false},
                                                   {"/pub/none.bin", false}, {"/gone/ten.bin", false}};
     for (const auto& [name, there] : names) EXPECT_EQ(finder.FTPFileExists(name), there) << name;
+    // A file left open when its connection closes ends with it.
+    const InternetHandle c = transport.Connect(1, "127.0.0.1", 0, "", "", INTERNET_SERVICE_FTP, INTERNET_FLAG_PASSIVE);
+    const InternetHandle file = transport.FtpOpenFile(c, "/pub/ten.bin", GENERIC_READ, 0);
+    transport.CloseHandle(c);
+    char byte = 0;
+    EXPECT_EQ(std::pair(file > c, transport.ReadFile(file, &byte, 1).bytes), std::pair(true, std::size_t{0}));
     server.Kill();
     EXPECT_EQ(FailureOf([&] { finder.ConnectToFTPHost(); }),
               Err(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'."));

@@ -165,6 +165,7 @@ TEST_F(HttpClientTest, OneShotRequests) {
         {"http://www.example.test", false, std::nullopt, -1, "hello world", 4096, "www.example.test 80 "},
         {"HTTP://www.example.test", false, "8", -1, "hello wo", 8, "www.example.test 80 "},
         {"www.example.test", true, std::nullopt, 3, "hello world", 3, "www.example.test 80 "},
+        {"www.example.test", false, "11", 2, "hello world", 2, "www.example.test 80 "},  // "11" does not fit
         {"HTTPS://www.example.test", false, std::nullopt, 100, "hello world", 100, "HTTPS://www.example.test 443 "},
         {"httpsx", true, "11", -1, "hello world", 11, "httpsx 443 "},
     };
@@ -196,6 +197,10 @@ TEST_F(HttpClientTest, OneShotRequests) {
     std::int32_t bufferSize = -1;
     EXPECT_EQ(http.HTTP_POST("/file.txt", "a=1", "", "", bufferSize), "");
     EXPECT_EQ(net.OpenHandles(), 0u);
+    net.sendFails = false;
+    net.replies["/file.txt"].contentLength = "3000000000";  // beyond 32 bits: it raises, and nothing stays open
+    EXPECT_EQ(FailureOf([&] { http.HTTP_GET("/file.txt", "", "", bufferSize); }) + std::to_string(net.OpenHandles()),
+              "6 Ostrivane: Overflow0");
 }
 
 TEST_F(HttpClientTest, TheFileGrowsInWholeBlocksAndAnExistingTargetAsksForAnotherName) {
