@@ -349,20 +349,15 @@ TEST(AboutBox, LinksOpenTheirAddressAndEscCloses) {
 TEST(ProgramIcon, TheWindowAndTheAboutBoxShowTheSvg) {
     QImage svg(32, 32, QImage::Format_ARGB32_Premultiplied);
     svg.fill(Qt::transparent);
-    QSvgRenderer renderer(QString::fromLatin1(kProgramIconResource));
-    QPainter painter(&svg);
-    renderer.render(&painter);
-    painter.end();
+    { QPainter painter(&svg); QSvgRenderer(QString::fromLatin1(kProgramIconResource)).render(&painter); }
     AboutForm about;
     about.Icon = kProgramIcon;
     about.imgIcon.SetPicture(kProgramIcon);
     QtFormBinding binding(about);
     RunEntryPoint([&] { about.SetVisible(true); });
-    const QIcon icon = binding.Window()->windowIcon();
-    ASSERT_FALSE(icon.isNull());
-    EXPECT_EQ(icon.pixmap(32).toImage().convertToFormat(svg.format()), svg);
-    const QPixmap picture = qobject_cast<QLabel*>(binding.WidgetOf(about.imgIcon))->pixmap();
-    EXPECT_EQ(picture.toImage().convertToFormat(svg.format()), svg);
+    EXPECT_EQ(binding.Window()->windowIcon().pixmap(32).toImage().convertToFormat(svg.format()), svg);
+    const QLabel* picture = qobject_cast<QLabel*>(binding.WidgetOf(about.imgIcon));
+    EXPECT_EQ(picture->pixmap().toImage().convertToFormat(svg.format()), svg);
 }
 
 TEST(ProgramIcon, TheThemeHasItsPngAtEverySize) {
