@@ -12,6 +12,7 @@
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
 #include "desktop/instance_socket.hpp"
+#include "desktop/pictures.hpp"
 #include "desktop/qt_desktop.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
@@ -34,6 +35,10 @@ extern "C" int ostrivane_desktop_main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QString::fromLatin1(kAppTitle));
     QApplication::setQuitOnLastWindowClosed(false);  // the program lives on in the tray
+    // Every window without an icon of its own (message and input boxes, options,
+    // about) shows the program's; the desktop entry names the same icon.
+    QApplication::setWindowIcon(desktop::DrawIcon(kProgramIcon));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.ostrivane.Ostrivane"));
     // The forms are laid out for a small dialog font.
     QFont font = QApplication::font();
     font.setPointSize(8);

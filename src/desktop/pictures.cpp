@@ -6,7 +6,7 @@
 #include <QPainterPath>
 #include <QPolygonF>
 
-#include <algorithm>
+#include "desktop/program_icon.hpp"
 
 namespace ostrivane::desktop {
 
@@ -72,31 +72,11 @@ void Print(QPainter& p, const QRectF& r) {
     p.drawRect(QRectF(r.left() + r.width() * 0.28, r.top() + r.height() * 0.7, r.width() * 0.44, r.height() * 0.28));
 }
 
-// A red crosshair with a dark rim, so that it reads on light and dark panels.
-void Crosshair(QPainter& painter, int size) {
-    const int thickness = size >= 32 ? 3 : 1;
-    const int middle = (size - thickness) / 2;
-    const int gap = size / 6;
-    const QColor rim(40, 40, 40);
-    const QColor line(230, 20, 20);
-    const auto arms = [&](int grow, const QColor& colour) {
-        const int t = thickness + 2 * grow;
-        const int m = middle - grow;
-        // left, right, top, bottom arm, each stopping short of the centre
-        painter.fillRect(0, m, middle - gap + grow, t, colour);
-        painter.fillRect(middle + thickness + gap - grow, m, size - (middle + thickness + gap - grow), t, colour);
-        painter.fillRect(m, 0, t, middle - gap + grow, colour);
-        painter.fillRect(m, middle + thickness + gap - grow, t, size - (middle + thickness + gap - grow), colour);
-    };
-    arms(1, rim);
-    arms(0, line);
-    painter.fillRect(middle, middle, thickness, thickness, line);
-}
-
 }  // namespace
 
 QPixmap DrawPicture(const std::string& name, QSize size) {
     if (size.width() <= 0 || size.height() <= 0) return {};
+    if (name == kProgramIcon) return QPixmap::fromImage(RenderProgramIcon(size));
     QPixmap pixmap(size);
     pixmap.fill(Qt::transparent);
     QPainter p(&pixmap);
@@ -114,8 +94,6 @@ QPixmap DrawPicture(const std::string& name, QSize size) {
         Copy(p, r);
     else if (name == "picPrint")
         Print(p, r);
-    else if (name == kProgramIcon)
-        Crosshair(p, std::min(size.width(), size.height()));
     else
         return {};
     return pixmap;
@@ -123,7 +101,7 @@ QPixmap DrawPicture(const std::string& name, QSize size) {
 
 QIcon DrawIcon(const std::string& name) {
     QIcon icon;
-    for (const int size : {16, 22, 24, 32, 48, 64}) icon.addPixmap(DrawPicture(name, QSize(size, size)));
+    for (const int size : {16, 22, 24, 32, 48, 64, 128}) icon.addPixmap(DrawPicture(name, QSize(size, size)));
     return icon;
 }
 

@@ -1,6 +1,6 @@
 // The pictures the forms name, drawn anew: the four signs of the message
 // box, the small copy and print pictures of its buttons, and the program's
-// icon, which its windows and the tray show.
+// icon, from its SVG, which its windows and the tray show.
 #pragma once
 
 #include <QIcon>

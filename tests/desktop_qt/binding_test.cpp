@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QSvgRenderer>
 #include <QtTest>
 #include <QtWidgets>
 
@@ -8,12 +9,14 @@
 
 #include "desktop/desktop_rules.hpp"
 #include "desktop/entry_point.hpp"
+#include "desktop/program_icon.hpp"
 #include "desktop/qt_dialogs.hpp"
 #include "desktop/qt_form_binding.hpp"
 #include "desktop/qt_input_box.hpp"
 #include "dialogs/about_form.hpp"
 #include "dialogs/input_box_form.hpp"
 #include "lib/errors.hpp"
+#include "platform/desktop.hpp"
 
 namespace ostrivane::desktop {
 namespace {
@@ -340,6 +343,32 @@ TEST(AboutBox, LinksOpenTheirAddressAndEscCloses) {
     QTest::keyClick(binding.WidgetOf(about.cmdOk), Qt::Key_Escape);
     EXPECT_TRUE(about.Unloaded());
     EXPECT_FALSE(about.Visible() || binding.Window()->isVisible());
+}
+
+// The window's icon and the about box's picture are the SVG's own drawing.
+TEST(ProgramIcon, TheWindowAndTheAboutBoxShowTheSvg) {
+    QImage svg(32, 32, QImage::Format_ARGB32_Premultiplied);
+    svg.fill(Qt::transparent);
+    { QPainter painter(&svg); QSvgRenderer(QString::fromLatin1(kProgramIconResource)).render(&painter); }
+    AboutForm about;
+    about.Icon = kProgramIcon;
+    about.imgIcon.SetPicture(kProgramIcon);
+    QtFormBinding binding(about);
+    RunEntryPoint([&] { about.SetVisible(true); });
+    EXPECT_EQ(binding.Window()->windowIcon().pixmap(32).toImage().convertToFormat(svg.format()), svg);
+    const QLabel* picture = qobject_cast<QLabel*>(binding.WidgetOf(about.imgIcon));
+    EXPECT_EQ(picture->pixmap().toImage().convertToFormat(svg.format()), svg);
+}
+
+TEST(ProgramIcon, TheThemeHasItsPngAtEverySize) {
+    for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+        SCOPED_TRACE(size);
+        const QImage png(QStringLiteral(OSTRIVANE_ICON_THEME "/%1x%1/apps/org.ostrivane.Ostrivane.png").arg(size));
+        ASSERT_EQ(png.size(), QSize(size, size));
+        // Clear in the corner, the marker red where the lines cross.
+        EXPECT_EQ(qAlpha(png.pixel(0, 0)), 0);
+        EXPECT_EQ(png.pixel(120 * size / 256, 120 * size / 256), qRgb(230, 20, 20));
+    }
 }
 
 TEST(EntryPoint, AnUntrappedRunTimeErrorShowsTheBoxAndEndsTheProgram) {
