@@ -234,7 +234,7 @@ std::string lib_clsHTTP::Request(const char* verb, const char* agent, const std:
             const std::size_t got = read.ok ? std::min(read.bytes, span) : 0;
             result.resize(at + got);
             total += static_cast<std::int64_t>(got);
-            if (!read.ok || got == 0 || total == expected) break;
+            if (!read.ok || got == 0 || total == expected || result.size() >= MaxPageBytes) break;
         }
     }
     return result;
@@ -260,7 +260,7 @@ std::string lib_clsHTTP::WriteHTTPDataToString() {
             const std::size_t got = read.ok ? std::min(read.bytes, kReadSize) : 0;
             block.resize(at + got);
             total += got;
-            if (read.ok && got == 0) break;
+            if ((read.ok && got == 0) || total >= MaxPageBytes) break;
         }
         if (blocks.size() == 1) return std::move(blocks.front());
         std::string page;

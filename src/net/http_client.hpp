@@ -50,8 +50,10 @@ public:
     std::string HTTP_POST(const std::string& sFileName, const std::string& strPostData,
                           const std::string& sUsername, const std::string& sPassword, std::int32_t& lBufferSize);
     void HangUp();
-    // The rest of the open URL's body.
+    // The rest of the open URL's body, up to MaxPageBytes: a server that never
+    // stops sending ends there, and the caller sees a page without its end.
     std::string WriteHTTPDataToString();
+    static inline std::size_t MaxPageBytes = std::size_t{128} << 20;
     // The rest of the body into the destination file, in whole blocks of 4096.
     void WriteHTTPDataToFile();
 

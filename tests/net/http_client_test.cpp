@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include <algorithm>
 #include <chrono>
 
@@ -141,6 +143,11 @@ TEST_F(HttpClientTest, TheBodyComesWholeAndTheAvailableSizeIsNeverZero) {
         http.ConnectToHTTPHost(0, false);
         EXPECT_EQ(http.SizeOfFile(), 1000);
         EXPECT_EQ(http.WriteHTTPDataToString(), body);
+        // A body that never ends stops at the cap, about where it lies.
+        const auto cap = std::exchange(lib_clsHTTP::MaxPageBytes, 1'000'000);
+        http.ConnectToHTTPHost(0, false);
+        EXPECT_EQ(http.WriteHTTPDataToString(), body.substr(0, 1'000'000));
+        lib_clsHTTP::MaxPageBytes = cap;
         http.HttpURL("http://empty.test/");
         http.ConnectToHTTPHost(0, false);
         EXPECT_EQ(http.SizeOfFile(), 1);
@@ -148,7 +155,7 @@ TEST_F(HttpClientTest, TheBodyComesWholeAndTheAvailableSizeIsNeverZero) {
         net.calls.clear();
     }
     // The last URL and session go when the object ends; the first ones stay with the transport.
-    EXPECT_EQ(net.calls, (std::vector<std::string>{"CloseHandle 4", "CloseHandle 3"}));
+    EXPECT_EQ(net.calls, (std::vector<std::string>{"CloseHandle 6", "CloseHandle 5"}));
 }
 
 TEST_F(HttpClientTest, OneShotRequests) {
