@@ -319,10 +319,16 @@ public:
     QStringList opened;
 };
 
-// A click on a link opens its address; the caption shows as Latin-1; Esc
-// presses OK, which closes the box.
-TEST(AboutBox, LinksOpenTheirAddressAndEscCloses) {
+// A click on a link opens its address; the caption shows as Latin-1; the
+// window's icon and the picture are the SVG's own drawing; Esc presses OK,
+// which closes the box.
+TEST(AboutBox, LinksOpenTheirAddressIconsAreTheSvgAndEscCloses) {
+    QImage svg(32, 32, QImage::Format_ARGB32_Premultiplied);
+    svg.fill(Qt::transparent);
+    { QPainter painter(&svg); QSvgRenderer(QString::fromLatin1(kProgramIconResource)).render(&painter); }
     AboutForm about;
+    about.Icon = kProgramIcon;
+    about.imgIcon.SetPicture(kProgramIcon);
     about.lblCopyright.SetCaption("Copyright \xA9" "2026");
     about.hlkHome.SetCaption("www.example");
     about.hlkHome.SetAddress("http://www.example");
@@ -338,26 +344,14 @@ TEST(AboutBox, LinksOpenTheirAddressAndEscCloses) {
     EXPECT_EQ(catcher.opened, QStringList({"mailto:a_b@example?Subject=Hi there", "http://www.example"}));
     EXPECT_EQ(qobject_cast<QLabel*>(binding.WidgetOf(about.hlkEmail))->text(), "a_b@example");
     EXPECT_EQ(qobject_cast<QLabel*>(binding.WidgetOf(about.lblCopyright))->text(), QString::fromUtf8("Copyright \u00a92026"));
+    EXPECT_EQ(binding.Window()->windowIcon().pixmap(32).toImage().convertToFormat(svg.format()), svg);
+    const QLabel* picture = qobject_cast<QLabel*>(binding.WidgetOf(about.imgIcon));
+    EXPECT_EQ(picture->pixmap().toImage().convertToFormat(svg.format()), svg);
     binding.Window()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(binding.Window()));
     QTest::keyClick(binding.WidgetOf(about.cmdOk), Qt::Key_Escape);
     EXPECT_TRUE(about.Unloaded());
     EXPECT_FALSE(about.Visible() || binding.Window()->isVisible());
-}
-
-// The window's icon and the about box's picture are the SVG's own drawing.
-TEST(ProgramIcon, TheWindowAndTheAboutBoxShowTheSvg) {
-    QImage svg(32, 32, QImage::Format_ARGB32_Premultiplied);
-    svg.fill(Qt::transparent);
-    { QPainter painter(&svg); QSvgRenderer(QString::fromLatin1(kProgramIconResource)).render(&painter); }
-    AboutForm about;
-    about.Icon = kProgramIcon;
-    about.imgIcon.SetPicture(kProgramIcon);
-    QtFormBinding binding(about);
-    RunEntryPoint([&] { about.SetVisible(true); });
-    EXPECT_EQ(binding.Window()->windowIcon().pixmap(32).toImage().convertToFormat(svg.format()), svg);
-    const QLabel* picture = qobject_cast<QLabel*>(binding.WidgetOf(about.imgIcon));
-    EXPECT_EQ(picture->pixmap().toImage().convertToFormat(svg.format()), svg);
 }
 
 TEST(ProgramIcon, TheThemeHasItsPngAtEverySize) {

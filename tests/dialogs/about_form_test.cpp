@@ -11,11 +11,9 @@
 namespace ostrivane::testing {
 namespace {
 
-using Texts = std::vector<std::string>;
-
 // Everything the form shows, as it stands while it is up.
 struct Opened {
-    Texts texts;
+    Lines texts;
     const form::Form* owner = nullptr;
     bool closedByOk = false;
 };
@@ -34,20 +32,20 @@ Opened Open(std::string_view home, std::string_view email, std::string_view subj
     };
     lib_ShowAbout(desktop, owner, "ostrivane", "1.05", "Tarnwick", home, email, subject, "icoCrosshair",
                   [year] { return year; });
-    EXPECT_EQ(desktop.calls, Texts{"ShowModal frmAbout"});
+    EXPECT_EQ(desktop.calls, Lines{"ShowModal frmAbout"});
     return seen;
 }
 
 TEST(AboutBox, FillsTheFormAndClosesOnOk) {
     const form::Form owner("frmMain");
     const Opened o = Open("www.ostrivane.example", "support@ostrivane.example", "", 2026, &owner);
-    EXPECT_EQ(o.texts, (Texts{"About ostrivane", "icoCrosshair", "ostrivane  v1.05", "Copyright \xA9" "2026 Tarnwick",
+    EXPECT_EQ(o.texts, (Lines{"About ostrivane", "icoCrosshair", "ostrivane  v1.05", "Copyright \xA9" "2026 Tarnwick",
                               "www.ostrivane.example", "http://www.ostrivane.example", "support@ostrivane.example",
                               "mailto:support@ostrivane.example"}));
     EXPECT_EQ(o.owner, &owner);
     EXPECT_TRUE(o.closedByOk);
     // The clock is read at each opening: a new year changes that and nothing else.
-    Texts next = Open("www.ostrivane.example", "support@ostrivane.example", "", 2027, &owner).texts;
+    Lines next = Open("www.ostrivane.example", "support@ostrivane.example", "", 2027, &owner).texts;
     EXPECT_EQ(next[3], "Copyright \xA9" "2027 Tarnwick");
     next[3] = o.texts[3];
     EXPECT_EQ(next, o.texts);
@@ -73,8 +71,8 @@ TEST(AboutBox, LinkAddresses) {
     };
     for (const auto& r : rows) {
         SCOPED_TRACE(std::string(r.home) + " | " + r.email);
-        const Texts t = Open(r.home, r.email, r.subject, 2026).texts;
-        EXPECT_EQ((Texts{t[4], t[5], t[6], t[7]}), (Texts{r.home, r.homeAddress, r.emailCaption, r.emailAddress}));
+        const Lines t = Open(r.home, r.email, r.subject, 2026).texts;
+        EXPECT_EQ((Lines{t[4], t[5], t[6], t[7]}), (Lines{r.home, r.homeAddress, r.emailCaption, r.emailAddress}));
     }
 }
 
@@ -91,8 +89,8 @@ TEST(AboutBox, Layout) {
                                                      {825, 2220, 4215, 225}, {2250, 2865, 825, 405}}));
     EXPECT_EQ((std::vector<int>{a.Width, a.Height, a.cmdOk.Cancel, a.cmdOk.Default}),
               (std::vector<int>{5250, 3375, 1, 0}));
-    EXPECT_EQ((Texts{a.Label1.Caption(), a.Label2.Caption(), a.cmdOk.Caption(), a.imgIcon.Picture()}),
-              (Texts{"Web:", "Email:", "&Ok", ""}));
+    EXPECT_EQ((Lines{a.Label1.Caption(), a.Label2.Caption(), a.cmdOk.Caption(), a.imgIcon.Picture()}),
+              (Lines{"Web:", "Email:", "&Ok", ""}));
 }
 
 }  // namespace

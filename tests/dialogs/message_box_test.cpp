@@ -14,7 +14,6 @@
 namespace ostrivane {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 TEST(TrimMessageTail, CutsAReferenceBlockOnly) {
     const std::pair<const char*, const char*> cases[] = {
@@ -56,15 +55,10 @@ protected:
     fakes::FakeDesktop desktop;
 };
 
-TEST_F(MsgBoxFormTest, CaptionNamesTheForegroundWindow) {
-    MsgBoxForm box(desktop, "Editor - notes.txt");
-    box.Form_Load();
-    EXPECT_EQ(box.Caption(), "ostrivane(Editor - notes.txt)");
-}
-
 // The type digit chooses the sign, the buttons, the focus and the default
 // answer. Each extra line moves everything below the text down by one line
-// height; 128 lines are the most the 16-bit sizes allow.
+// height; 128 lines are the most the 16-bit sizes allow. The caption names
+// the window in front.
 TEST_F(MsgBoxFormTest, TypeDigitAndLineCountShapeTheBox) {
     const struct { char type; const char* picture; bool yesNo; const char* focus; int answer; std::string text; int lines; }
         cases[] = {
@@ -80,8 +74,9 @@ TEST_F(MsgBoxFormTest, TypeDigitAndLineCountShapeTheBox) {
             SCOPED_TRACE(std::string("type ") + c.type + (before ? ", answer was True" : ", answer was False"));
             MessageAnswer = before;
             MessageText = std::string(1, c.type) + "   0" + c.text;
-            MsgBoxForm design(desktop), box(desktop);
+            MsgBoxForm design(desktop), box(desktop, "Editor - notes.txt");
             box.Form_Load();
+            EXPECT_EQ(box.Caption(), "ostrivane(Editor - notes.txt)");
             for (const form::PictureBox* pic :
                  {&box.picCritical, &box.picExclamation, &box.picInformation, &box.picQuestion})
                 EXPECT_EQ(pic->Visible(), pic->Name() == c.picture) << pic->Name();

@@ -115,9 +115,7 @@ class Session:
 
     def __enter__(self):
         self.tmp = tempfile.mkdtemp(prefix="ostrivane-e2e-")
-        self.config = os.path.join(self.tmp, "config")
-        self.data = os.path.join(self.tmp, "data")
-        self.runtime = os.path.join(self.tmp, "run")
+        self.config, self.data, self.runtime = (os.path.join(self.tmp, d) for d in ("config", "data", "run"))
         for d in (self.config, self.data, self.runtime):
             os.makedirs(d, mode=0o700)
         self.data_file = os.path.join(self.data, "Ostrivane", "ostrivane.ini")
@@ -270,23 +268,16 @@ class Image:
         with open(path, "rb") as f:
             data = f.read()
         h = struct.unpack(">25I", data[:100])
-        header_size, depth, self.width, self.height = h[0], h[3], h[4], h[5]
-        self.byte_order, self.bpp, self.bpl = h[7], h[11], h[12]
-        self.masks = h[14:17]
-        ncolors = h[19]
-        check(self.bpp in (24, 32), f"unexpected xwd pixel size {self.bpp} (depth {depth})")
-        self.pixels = data[header_size + ncolors * 12:]
+        self.byte_order, self.bpp, self.bpl, self.masks = h[7], h[11], h[12], h[14:17]
+        check(self.bpp in (24, 32), f"unexpected xwd pixel size {self.bpp} (depth {h[3]})")
+        self.pixels = data[h[0] + h[19] * 12:]  # after the header and the colour map
 
     def rgb(self, x, y):
         size = self.bpp // 8
         o = y * self.bpl + x * size
         v = int.from_bytes(self.pixels[o:o + size], "little" if self.byte_order == 0 else "big")
-        out = []
-        for m in self.masks:
-            shift = (m & -m).bit_length() - 1
-            top = m >> shift
-            out.append(((v & m) >> shift) * 255 // top)
-        return tuple(out)
+        shifts = [(m & -m).bit_length() - 1 for m in self.masks]
+        return tuple(((v & m) >> shift) * 255 // (m >> shift) for m, shift in zip(self.masks, shifts))
 
 
 def rgb_of(colour):

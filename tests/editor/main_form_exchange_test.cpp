@@ -19,7 +19,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 constexpr char kInvalid[] = "This does not appear to be a valid file";
 

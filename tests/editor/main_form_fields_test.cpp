@@ -53,7 +53,6 @@ TEST(FieldRules, Corrections) {
     }
 }
 
-using Calls = std::vector<std::string>;
 
 // One marker at 100,200 with every other cell blank, selected, in a group
 // whose defaults are blank; the bars have the ranges of a 1920x1080 screen.
@@ -91,7 +90,7 @@ TEST_F(FieldsTest, CorrectionThenUpdateThenShow) {
         Leave(r.field, r.typed);
         EXPECT_EQ(r.field.Text(), r.shown) << r.field.Name();
         EXPECT_EQ(Cell(r.row, r.column), std::stoi(r.shown)) << r.field.Name();
-        EXPECT_EQ(overlay.calls, Calls{r.row == 0 ? "ShowAllMarkers" : "ShowMarker 1"}) << r.field.Name();
+        EXPECT_EQ(overlay.calls, Lines{r.row == 0 ? "ShowAllMarkers" : "ShowMarker 1"}) << r.field.Name();
     }
     EXPECT_TRUE(frm.Dirty);
 }
@@ -124,7 +123,7 @@ TEST_F(FieldsTest, LoadingHoldsBackPositionsAndLengthsOnly) {
     Leave(frm.txtHpos, "10");
     Leave(frm.txtHlenGrpDef, "30");  // the marker's Validate as its tail alone: one show
     EXPECT_EQ(loadingSeen, (std::vector<bool>{true, true}));
-    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowAllMarkers"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowMarker 1", "ShowAllMarkers"}));
 
     overlay.calls.clear();
     frm.Loading = true;
@@ -135,7 +134,7 @@ TEST_F(FieldsTest, LoadingHoldsBackPositionsAndLengthsOnly) {
     frm.txtThickness.SetText("4");
     frm.txtThickness_Validate(cancel);
     EXPECT_EQ(frm.txtHpos.Text() + " " + frm.txtThickness.Text(), "3000 3");
-    EXPECT_EQ(overlay.calls, Calls{"ShowMarker 1"});
+    EXPECT_EQ(overlay.calls, Lines{"ShowMarker 1"});
     EXPECT_TRUE(frm.Loading);
 }
 
@@ -182,7 +181,7 @@ TEST_F(FieldsTest, ColourChart) {
     EXPECT_EQ(dialogs.asked[1].colour, form::kWhite);  // starts at the box's colour
     EXPECT_EQ(Box(frm.txtColour), "16711680 16711680 0");
     EXPECT_EQ(std::to_string(Cell(1, Colour)) + " " + std::to_string(Cell(0, Colour)), "16711680 0");
-    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowAllMarkers"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowMarker 1", "ShowAllMarkers"}));
 }
 
 using Ints = std::vector<int>;
@@ -227,7 +226,7 @@ TEST_F(NudgeTest, MoveTakesEverySelectedMarkerByTheFocusedOnesStep) {
     // the follower passes the screen's edge; the unselected marker stays
     EXPECT_EQ((Ints{Cell(1, Hpos), Cell(1, Vpos), Cell(2, Hpos), Cell(2, Vpos), Cell(3, Hpos)}),
               (Ints{101, 210, 1916, 1085, 700}));
-    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowMarker 2", "ShowMarker 1", "ShowMarker 2"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowMarker 1", "ShowMarker 2", "ShowMarker 1", "ShowMarker 2"}));
     EXPECT_TRUE(frm.Dirty);
     EXPECT_EQ(ReadDataFile(), "[Main]\r\n1=100,200,50,50,,,,\r\n");  // the change waits for a save
 

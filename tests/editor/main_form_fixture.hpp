@@ -3,9 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "editor/main_form.hpp"
 #include "fakes/fake_platform.hpp"
@@ -23,15 +22,13 @@ protected:
     }
 
     // Replaces the data file's text (CR LF is up to the caller).
-    void WriteDataFile(const std::string& text) {
-        std::ofstream out(frm.DataFile, std::ios::binary);
-        out << text;
-    }
-    std::string ReadDataFile() const {
-        std::ifstream in(frm.DataFile, std::ios::binary);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
+    void WriteDataFile(const std::string& text) { WriteBytes(frm.DataFile, text); }
+    std::string ReadDataFile() const { return ReadBytes(frm.DataFile); }
+    // A marker's cells {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
+    std::vector<std::int32_t> Marker(int row) const {
+        std::vector<std::int32_t> cells;
+        for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) cells.push_back(frm.store.Markers(row, c));
+        return cells;
     }
 
     TempDir dir;

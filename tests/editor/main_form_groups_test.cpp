@@ -17,7 +17,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 using Row = std::vector<std::int32_t>;
 
 const Lines kAlpha = {"DataFormat=1", "Defaults=0,0,200,-1,65280,3,-1,1,", "1=400,300,-2,-2,65280,3,60,0,",
@@ -36,6 +35,7 @@ protected:
         frm.LoadGroupList();
     }
     void LoadAlpha() {
+        frm.Dirty = false;
         WriteGroups({{"Alpha", kAlpha}, {"Beta", kBeta}});
         frm.lstGroups.SetListIndex(0);
     }
@@ -62,11 +62,6 @@ protected:
         dialogs.asked.clear();
         dialogs.msgBoxAnswers = {answer};
         dialogs.inputBoxAnswers = {text};
-    }
-    Row Marker(int r) const {
-        Row v;
-        for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) v.push_back(frm.store.Markers(r, c));
-        return v;
     }
     int LoadOnly(const Lines& lines) {
         WriteGroups({{"G", lines}});
@@ -171,7 +166,6 @@ TEST_F(GroupTest, PromptOrLeavingAGroupAsksAndYesSavesItFirst) {
                           {Deselect, vbNo, "-1,-1,0,clean|", true}};
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.how) + " " + std::to_string(c.answer));
-        frm.Dirty = false;
         LoadAlpha();
         frm.lblMsg.SetCaption("note");
         frm.txtThicknessGrpDef.SetText("7");
@@ -271,7 +265,6 @@ TEST_F(GroupTest, FailedWriteWarnsAndKeepsEverything) {
     };
     for (const auto& [group, verb, operation] : cases) {
         SCOPED_TRACE(verb);
-        frm.Dirty = false;
         LoadAlpha();
         const std::string before = ReadDataFile();
         frm.Dirty = true;

@@ -8,7 +8,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Calls = std::vector<std::string>;
 
 class MarkerListTest : public MainFormTest {
 protected:
@@ -83,7 +82,7 @@ TEST_F(MarkerListTest, DeleteClearsTheFieldsAndWhileShowingDestroysOnlyTheDelete
     frm.cmdDelMarker.PerformClick();
     EXPECT_EQ(frm.txtHpos.Text(), "");
     // the third marker had moved up to row 2 when its turn came
-    EXPECT_EQ(overlay.calls, (Calls{"DestroyMarkerWindows 1", "DestroyMarkerWindows 2"}));
+    EXPECT_EQ(overlay.calls, (Lines{"DestroyMarkerWindows 1", "DestroyMarkerWindows 2"}));
     EXPECT_EQ((std::vector<int>{frm.store.Markers(1, HwndH), frm.store.Markers(2, HwndV), frm.store.Markers(2, PaintedEffective)}),
               (std::vector<int>{10 * HwndH + 2, 10 * HwndV + 4, 10 * PaintedEffective + 4}));
 }
@@ -106,7 +105,7 @@ TEST_F(MarkerListTest, DuplicatePromptAsksUntilAnOffsetWithinNinetyNine) {
         EXPECT_EQ(Table(), c.after) << c.answers.back();
         EXPECT_EQ(frm.Dirty, c.answers.back() != "   ");
     }
-    EXPECT_EQ(overlay.calls, Calls{"ShowAllMarkers"});  // a cancel after the first show
+    EXPECT_EQ(overlay.calls, Lines{"ShowAllMarkers"});  // a cancel after the first show
     Duplicate({"-99"});
     EXPECT_EQ(frm.store.Markers(2, Vpos), -49);  // no lower bound
     const fakes::Question& q = dialogs.asked.back();
@@ -125,7 +124,7 @@ TEST_F(MarkerListTest, DuplicateCopiesSentinelsAndEndsWithTheCopiesSelected) {
     EXPECT_EQ((std::vector<int>{frm.store.Markers(4, Hlen), frm.store.Markers(4, Vlen), frm.store.Markers(5, Colour),
                                 frm.store.Markers(5, Dotted)}),
               (std::vector<int>{kWholeScreen, kBlank, kBlank, 2}));
-    EXPECT_EQ(overlay.calls, (Calls{"ShowAllMarkers", "ShowAllMarkers"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers", "ShowAllMarkers"}));
     EXPECT_EQ(frm.lblMsg.Caption(), "");
     EXPECT_TRUE(frm.Dirty);
 

@@ -7,7 +7,6 @@ namespace ostrivane::testing {
 namespace {
 
 using form::MenuItem;
-using Calls = std::vector<std::string>;
 
 class MainFormStart : public MainFormTest {};
 
@@ -147,13 +146,13 @@ TEST_F(MainFormState, ThreeStateBoxesCycleThroughGreyAndForceARebuild) {
                 std::to_string(frm.store.Markers(1, PaintedColour)) + " ";
     }
     EXPECT_EQ(seen, "2-10 110 000 ");
-    EXPECT_EQ(overlay.calls, (Calls{"ShowMarker 1", "ShowMarker 1", "ShowMarker 1"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowMarker 1", "ShowMarker 1", "ShowMarker 1"}));
     overlay.calls.clear();
     for (int r = 1; r <= 3; ++r) frm.store.Markers(r, PaintedColour) = 7;
     frm.chkDottedGrpDef.MouseDown.Raise();  // grey -> checked
     EXPECT_EQ(frm.store.Markers(0, Dotted), 1);
     for (int r = 1; r <= 3; ++r) EXPECT_EQ(frm.store.Markers(r, PaintedColour), 0) << r;
-    EXPECT_EQ(overlay.calls, (Calls{"ShowAllMarkers"}));
+    EXPECT_EQ(overlay.calls, (Lines{"ShowAllMarkers"}));
 }
 
 TEST_F(MainFormState, PersistingCheckBoxesWriteAtOnce) {

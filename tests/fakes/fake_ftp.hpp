@@ -3,11 +3,10 @@
 // command. The calls log as the commands a server would see.
 #pragma once
 
-#include <fstream>
-#include <iterator>
 #include <set>
 
 #include "fakes/fake_internet.hpp"
+#include "support/temp_dir.hpp"
 
 namespace ostrivane::fakes {
 
@@ -42,8 +41,7 @@ public:
     bool FtpPutFile(InternetHandle, std::string_view local, std::string_view name, std::uint32_t flags) override {
         Log("STOR " + std::string(local) + " " + std::string(name) + " " + Hex(flags));
         if (directories.count(Path(name))) return Refuse("553 " + std::string(name) + ": Is a directory.");
-        std::ifstream in{std::string(local), std::ios::binary};
-        return files[Path(name)] = std::string(std::istreambuf_iterator<char>(in), {}), true;
+        return files[Path(name)] = ReadBytes(std::string(local)), true;
     }
     InternetHandle FtpOpenFile(InternetHandle, std::string_view name, std::uint32_t access, std::uint32_t flags) override {
         Log("RETR " + std::string(name) + " " + Hex(access) + " " + Hex(flags));

@@ -18,6 +18,13 @@
 #include "platform/line_windows.hpp"
 #include "platform/overlay.hpp"
 
+namespace ostrivane {
+
+// What a fake records: one line per call.
+using Lines = std::vector<std::string>;
+
+}  // namespace ostrivane
+
 namespace ostrivane::fakes {
 
 struct Question {

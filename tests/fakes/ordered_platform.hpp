@@ -1,5 +1,5 @@
-// Dialogs, overlay and desktop writing to one shared log, for tests of the
-// order of calls across the three. A desktop call named in `failing` raises
+// A desktop writing to a log it shares with the dialog and overlay fakes, for
+// tests of the order of calls across the three. A desktop call named in `failing` raises
 // Overflow after it is logged.
 #pragma once
 
@@ -8,21 +8,13 @@
 #include <vector>
 
 #include "fakes/fake_platform.hpp"
-#include "form/controls.hpp"
-#include "form/form.hpp"
 #include "lib/errors.hpp"
-#include "platform/desktop.hpp"
 
 namespace ostrivane::fakes {
 
-using OrderedLog = std::vector<std::string>;
-
-using OrderedDialogs = FakeDialogs;
-using OrderedOverlay = FakeOverlay;
-
 class OrderedDesktop final : public Desktop {
 public:
-    explicit OrderedDesktop(OrderedLog& log) : log_(log) {}
+    explicit OrderedDesktop(Lines& log) : log_(log) {}
     std::int32_t metrics[4] = {0, 0, 1920, 1080};  // indexes 76 to 79: x, y, width, height
     std::set<std::string> failing;
 
@@ -54,7 +46,7 @@ private:
         if (failing.count(call.substr(0, call.find(' ')))) Raise(kOverflow);
         return true;
     }
-    OrderedLog& log_;
+    Lines& log_;
 };
 
 }  // namespace ostrivane::fakes

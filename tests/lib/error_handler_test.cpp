@@ -17,7 +17,6 @@
 namespace ostrivane {
 namespace {
 
-using Lines = std::vector<std::string>;
 constexpr std::int32_t kBase = kObjectErrorBase;
 
 TEST(ClassifyError, ByDistanceFromTheObjectErrorBase) {

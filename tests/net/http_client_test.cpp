@@ -2,10 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "fakes/fake_internet.hpp"
 #include "fakes/fake_platform.hpp"
@@ -192,9 +191,8 @@ TEST_F(HttpClientTest, OneShotRequests) {
                                              std::string("OpenRequest ") + (c.post ? "POST" : "GET") +
                                                  " /file.txt HTTP/1.0 A4000000"};
         if (c.post) expected.push_back("AddRequestHeaders A0000000");
-        expected.push_back(c.post ? "SendRequest 7" : "SendRequest 0");
-        expected.push_back("QueryContentLength");
-        for (const char* close : {"CloseHandle 3", "CloseHandle 1", "CloseHandle 2"}) expected.push_back(close);
+        expected.insert(expected.end(), {c.post ? "SendRequest 7" : "SendRequest 0", "QueryContentLength",
+                                         "CloseHandle 3", "CloseHandle 1", "CloseHandle 2"});
         EXPECT_EQ(net.calls, expected) << c.url;
     }
     EXPECT_EQ(net.lastHeaders, "Content-Type: application/x-www-form-urlencoded\r\n");
@@ -248,9 +246,7 @@ TEST_F(HttpClientTest, TheFileGrowsInWholeBlocksAndAnExistingTargetAsksForAnothe
             EXPECT_EQ(windows.saveRequests[0].file.substr(0, 50), "Please select a new name for the destination file.");
             EXPECT_EQ(windows.saveRequests[0].title, "Save As");
         }
-        if (!c.written.empty()) {
-            EXPECT_EQ(ReadBytes(c.written), "0123456789" + std::string(8182, '\0'));
-        }
+        if (!c.written.empty()) { EXPECT_EQ(ReadBytes(c.written), "0123456789" + std::string(8182, '\0')); }
     }
     EXPECT_EQ(ReadBytes(dir.file("page.txt")), "old");
 }

@@ -14,7 +14,6 @@
 namespace ostrivane {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 TEST(UpdateCheck, MachineIdentityGivesAStableNumberWithoutSign) {
     const struct { const char* id; std::int32_t serial; } rows[] = {

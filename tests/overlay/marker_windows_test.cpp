@@ -17,7 +17,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 class OverlayTest : public ::testing::Test {
 protected:

@@ -13,7 +13,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 class CommandTest : public MainFormTest {
 protected:

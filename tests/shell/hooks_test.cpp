@@ -10,7 +10,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 class HooksTest : public MainFormTest {
 protected:
@@ -73,7 +72,6 @@ TEST_F(HooksTest, HotKeysFollowTheFourKeyFlags) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.keys);
-        HooksTest::TearDown();
         frm.LCtrlDown = frm.RCtrlDown = frm.LShiftDown = frm.RShiftDown = 0;
         if (frm.Showing) frm.Go();
         if (frm.mnuFlashSelected.Checked()) frm.ToggleFlashSelected(false);
@@ -214,11 +212,6 @@ TEST_F(HooksTest, PlacingFollowsTheCursorAndTheNextPressFixesTheMarker) {
 TEST_F(HooksTest, CopyCurrentOnAddTakesTheFieldsAsTheyStand) {
     Markers({{100, 100}});
     frm.lstMarkers.SetListIndex(0);
-    const auto cells = [&](int r) {
-        std::vector<std::int32_t> v;
-        for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) v.push_back(frm.store.Markers(r, c));
-        return v;
-    };
     const std::vector<std::int32_t> added[] = {{7, 8, -1, -1, -1, -1, -1, -1}, {7, 8, -2, -1, 65280, 3, -1, 2}};
     for (const int copy : {kCheckUnchecked, kCheckChecked}) {
         frm.txtHlen.SetText("s");
@@ -230,9 +223,9 @@ TEST_F(HooksTest, CopyCurrentOnAddTakesTheFieldsAsTheyStand) {
         frm.cmdAddMarker.PerformClick();
         input.cursor = {7, 8};
         frm.timAddMarkerComplete.Tick.Raise();
-        EXPECT_EQ(cells(frm.store.MarkerCount), added[copy]);
+        EXPECT_EQ(Marker(frm.store.MarkerCount), added[copy]);
     }
-    EXPECT_EQ(cells(2), (std::vector<std::int32_t>{7, 8, -2, -1, 65280, 3, -1, -1})) << "the edits went to the shown marker first";
+    EXPECT_EQ(Marker(2), (std::vector<std::int32_t>{7, 8, -2, -1, 65280, 3, -1, -1})) << "the edits went to the shown marker first";
 }
 
 // A full table fails after the cross is gone, with the pointer still hidden.

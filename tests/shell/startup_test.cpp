@@ -16,7 +16,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 constexpr char kGuard[] = "AcquireInstance iOstrivanei";
 
@@ -47,9 +46,9 @@ protected:
     }
     TempDir dir;
     fakes::MemorySettingStore settings;
-    fakes::OrderedLog log;
-    fakes::OrderedDialogs dialogs{log};
-    fakes::OrderedOverlay overlay{log};
+    Lines log;
+    fakes::FakeDialogs dialogs{log};
+    fakes::FakeOverlay overlay{log};
     fakes::OrderedDesktop desktop{log};
     fakes::FakeInput input{log};
     MainForm frm{dialogs, overlay, desktop, input};

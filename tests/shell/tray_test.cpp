@@ -9,7 +9,6 @@
 namespace ostrivane::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
 
 using TrayTest = MainFormTest;
 
