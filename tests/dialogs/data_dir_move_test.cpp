@@ -4,9 +4,7 @@
 
 #include <filesystem>
 #include <map>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"

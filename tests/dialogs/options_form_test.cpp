@@ -2,8 +2,6 @@
 // limit, OK and Cancel, and what a running display takes over afterwards.
 #include <filesystem>
 #include <map>
-#include <string>
-#include <vector>
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"

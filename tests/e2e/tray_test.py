@@ -50,12 +50,9 @@ def normal(session, wid):
 
 
 def test(session):
-    for tool in ("trayer", "openbox"):
-        if shutil.which(tool) is None:
-            raise Skip(f"{tool} is not installed (scripts/install-deps installs it)")
-    session.start_other(["openbox"])
-    poll(lambda: "_NET_SUPPORTING_WM_CHECK(WINDOW)" in session.x("xprop", "-root", "_NET_SUPPORTING_WM_CHECK"),
-         "openbox to manage the screen")
+    if shutil.which("trayer") is None:
+        raise Skip("trayer is not installed (scripts/install-deps installs it)")
+    session.start_wm()
     session.start_other(["trayer", "--edge", "top", "--align", "left", "--widthtype", "pixel", "--width", "120",
                          "--height", "32", "--SetDockType", "false", "--SetPartialStrut", "false"])
     write_data_file(session.data_file, {"Bench": ([0, 0, -1, -1, -1, -1, -1, -1],
@@ -63,8 +60,7 @@ def test(session):
                     ["HideOnGo=1", "RestoreOnStop=1"])
 
     app = session.start()
-    form = poll(lambda: [w for w in session.x("xdotool", "search", "--name", "^Ostrivane $", check_rc=False).split()
-                         if session.viewable(w)], "the main form")[0]
+    form = session.client("Ostrivane ")
     extents = poll(lambda: re.findall(r"\d+", session.x("xprop", "-id", form, "_NET_FRAME_EXTENTS").split("=")[-1]),
                    "the frame extents")
     info = session.x("xwininfo", "-id", form)

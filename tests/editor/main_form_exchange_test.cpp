@@ -4,15 +4,11 @@
 #include <cstring>
 #include <filesystem>
 #include <optional>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
 #include "fakes/fake_window_system.hpp"
 #include "lib/path_basics.hpp"
-#include "lib/profile.hpp"
 #include "lib/window_helpers.hpp"
 #include "support/file_size_limit.hpp"
 
@@ -49,17 +45,6 @@ protected:
         std::optional<FileSizeLimit> limit;
         if (full) limit.emplace();
         frm.mnuImportGroup.PerformClick();
-    }
-    Lines Section(const std::string& name) const {
-        Lines lines;
-        std::istringstream in(lib_ProfileGetSection(name, frm.DataFile));
-        for (std::string line; std::getline(in, line, '\0');) lines.push_back(line);
-        return lines;
-    }
-    Lines Groups() const {
-        Lines items;
-        for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
-        return items;
     }
 
     fakes::FakeWindowSystem ws;

@@ -1,8 +1,4 @@
 // The editing fields: the pure key and correction rules, the handlers, the nudge bars.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "editor/field_rules.hpp"
 #include "editor/main_form_fixture.hpp"
@@ -52,7 +48,6 @@ TEST(FieldRules, Corrections) {
         EXPECT_EQ(error != 0 ? std::string("#").append(std::to_string(error)) : got, r.out) << r.in;
     }
 }
-
 
 // One marker at 100,200 with every other cell blank, selected, in a group
 // whose defaults are blank; the bars have the ranges of a 1920x1080 screen.

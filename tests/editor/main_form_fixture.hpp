@@ -1,14 +1,17 @@
-// A main form on the fake platform, with a data file of its own.
+// A main form on the fake platform, with a data file of its own. The one
+// include a main-form test needs: gtest, the form, the fakes, run-time errors.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "editor/main_form.hpp"
 #include "fakes/fake_platform.hpp"
 #include "lib/errors.hpp"
+#include "lib/profile.hpp"
 #include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
 
@@ -29,6 +32,21 @@ protected:
         std::vector<std::int32_t> cells;
         for (int c : {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}) cells.push_back(frm.store.Markers(row, c));
         return cells;
+    }
+    // The text's pieces between delimiters; with headers only the names of its "[...]" lines.
+    static Lines Split(const std::string& text, char delimiter, bool headers = false) {
+        Lines lines;
+        std::istringstream in(text);
+        for (std::string line; std::getline(in, line, delimiter);)
+            if (!headers || line.starts_with("[")) lines.push_back(headers ? line.substr(1, line.find(']') - 1) : line);
+        return lines;
+    }
+    Lines Section(const std::string& name) const { return Split(lib_ProfileGetSection(name, frm.DataFile), '\0'); }
+    Lines Headers() const { return Split(ReadDataFile(), '\n', true); }
+    Lines Groups() const {
+        Lines items;
+        for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
+        return items;
     }
 
     TempDir dir;

@@ -3,14 +3,10 @@
 #include <cerrno>
 #include <cstring>
 #include <functional>
-#include <sstream>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
-#include "lib/profile.hpp"
 #include "store/data_file.hpp"
 #include "support/file_size_limit.hpp"
 
@@ -38,20 +34,6 @@ protected:
         frm.Dirty = false;
         WriteGroups({{"Alpha", kAlpha}, {"Beta", kBeta}});
         frm.lstGroups.SetListIndex(0);
-    }
-    static Lines Split(const std::string& text, char delimiter, bool headers = false) {
-        Lines lines;
-        std::istringstream in(text);
-        for (std::string line; std::getline(in, line, delimiter);)
-            if (!headers || line.starts_with("[")) lines.push_back(headers ? line.substr(1, line.find(']') - 1) : line);
-        return lines;
-    }
-    Lines Section(const std::string& name) const { return Split(lib_ProfileGetSection(name, frm.DataFile), '\0'); }
-    Lines Headers() const { return Split(ReadDataFile(), '\n', true); }
-    Lines Groups() const {
-        Lines items;
-        for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
-        return items;
     }
     // "current group, list index, marker count, dirty"
     std::string State() const {

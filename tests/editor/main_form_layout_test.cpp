@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"

@@ -1,13 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "editor/main_form_fixture.hpp"
 
 namespace ostrivane::testing {
 namespace {
-
 
 class MarkerListTest : public MainFormTest {
 protected:

@@ -1,7 +1,4 @@
-#include <gtest/gtest.h>
-
 #include "editor/main_form_fixture.hpp"
-#include "lib/profile.hpp"
 
 namespace ostrivane::testing {
 namespace {

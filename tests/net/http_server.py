@@ -24,12 +24,15 @@ class Handler(BaseHTTPRequestHandler):
     def log_message(self, *args):
         pass
 
-    def reply(self, status, body, length=None, headers=()):
+    def head(self, status, length, headers=()):
         self.send_response(status)
         for name, value in headers:
             self.send_header(name, value)
-        self.send_header("Content-Length", str(len(body) if length is None else length))
+        self.send_header("Content-Length", str(length))
         self.end_headers()
+
+    def reply(self, status, body, headers=()):
+        self.head(status, len(body), headers)
         self.wfile.write(body)
 
     def do_GET(self):
@@ -44,21 +47,14 @@ class Handler(BaseHTTPRequestHandler):
             query = parse_qs(url.query)
             size = int(query.get("size", [5 * 1024 * 1024])[0])
             pause = float(query.get("pause", [0])[0]) / 1000
-            self.send_response(200)
-            self.send_header("Content-Length", str(size))
-            self.end_headers()
+            self.head(200, size)
             piece = bytes(range(256)) * 256
-            sent = 0
-            while sent < size:
-                part = piece[:min(len(piece), size - sent)]
-                self.wfile.write(part)
-                sent += len(part)
+            for sent in range(0, size, len(piece)):
+                self.wfile.write(piece[:size - sent])
                 if pause:
                     time.sleep(pause)
         elif url.path == "/cut":
-            self.send_response(200)
-            self.send_header("Content-Length", "100000")
-            self.end_headers()
+            self.head(200, 100000)
             self.wfile.write(b"<html>" + b"x" * 4994)
             self.wfile.flush()
             self.close_connection = True

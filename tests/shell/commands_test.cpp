@@ -1,8 +1,6 @@
 // The command language of the hidden box txtChangeModeHid, and the help
 // text that explains it. The clicks of cmdShow and cmdExit are counted here;
 // what they do is tested with show/stop and shutdown.
-#include <string>
-#include <vector>
 
 #include "dialogs/about_form.hpp"
 #include "dialogs/message_box.hpp"
@@ -12,7 +10,6 @@
 
 namespace ostrivane::testing {
 namespace {
-
 
 class CommandTest : public MainFormTest {
 protected:

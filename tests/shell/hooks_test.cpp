@@ -1,15 +1,11 @@
 // The hooks and what they set going: hot keys, the press that grabs a line
 // or fixes a placement, the deferred ticks of placing and dragging, and the
 // blink of the selected markers.
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "editor/main_form_fixture.hpp"
 
 namespace ostrivane::testing {
 namespace {
-
 
 class HooksTest : public MainFormTest {
 protected:

@@ -1,16 +1,13 @@
 // Start-up and shutdown through the fakes: the single-instance guard, the
 // order of the start, the settings of the form, the exit, stay on top.
 #include <filesystem>
-#include <string>
 #include <tuple>
 #include <utility>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
 #include "fakes/memory_setting_store.hpp"
 #include "fakes/ordered_platform.hpp"
-#include "lib/profile.hpp"
 #include "store/data_file.hpp"
 
 namespace ostrivane::testing {

@@ -1,14 +1,11 @@
 // The tray icon: its tip, the decoder of its notifications (a mouse move
 // over the form with the message in X), its popup menu and the way back.
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "editor/main_form_fixture.hpp"
 
 namespace ostrivane::testing {
 namespace {
-
 
 using TrayTest = MainFormTest;
 
