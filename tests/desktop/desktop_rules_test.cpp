@@ -7,7 +7,7 @@
 namespace ostrivane::desktop {
 namespace {
 
-TEST(DesktopTwips, ToPixelsRoundsToNearest) {
+TEST(DesktopTwips, ToPixelsRoundsToNearestAndBack) {
     struct Case { int twips, pixels; };
     const Case cases[] = {
         {0, 0},       {7, 0},     {8, 1},       {15, 1},      {22, 1},     {23, 2},
@@ -15,9 +15,6 @@ TEST(DesktopTwips, ToPixelsRoundsToNearest) {
         {-15, -1},    {-1000, -67}, {INT_MAX, 143165576},    {INT_MIN, -143165577},
     };
     for (const Case& c : cases) EXPECT_EQ(TwipsToPixels(c.twips), c.pixels) << c.twips;
-}
-
-TEST(DesktopTwips, PixelsBackToTwips) {
     EXPECT_EQ(PixelsToTwips(67), 1005);
     EXPECT_EQ(PixelsToTwips(-2), -30);
     EXPECT_EQ(PixelsToTwips(INT_MAX), INT_MAX);  // clamped, not wrapped

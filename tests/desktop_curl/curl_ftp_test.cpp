@@ -108,7 +108,7 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
     EXPECT_FALSE(finder.FTPFileExists("/pub/ten.bin"));
 }
 
-// A server that dies in the middle of a download: the call ends with what came.
+// The call ends with what came.
 TEST_F(LiveFtp, AServerKilledMidwayEndsTheDownload) {
     WriteBytes(root + "/pub/big.bin", std::string(4 << 20, 'b'));
     FtpServer server(root, "200000");

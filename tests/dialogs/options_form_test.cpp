@@ -59,7 +59,6 @@ TEST(OptionRules, EachFieldIsCorrectedAsItIsLeft) {
     EXPECT_EQ(ErrorOf([] { ValidateField(OptionRule::Length, "S1", 1600); }), kTypeMismatch);
 }
 
-// Tab goes in reading order; the layout makes it the dialog's tab order.
 TEST_F(OptionsTest, ReadingOrderIsTheTabOrder) {
     OptionsForm o(frm, settings);
     std::map<std::pair<int, int>, std::string> stops;  // by top, then left

@@ -68,7 +68,6 @@ protected:
         field.SetText(text);
         frm.cmdAddMarker.SetFocus();
     }
-    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
 };
 
 // A marker field shows its own marker, a group field all of them.

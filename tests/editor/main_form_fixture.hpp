@@ -12,6 +12,7 @@
 #include "fakes/fake_platform.hpp"
 #include "lib/errors.hpp"
 #include "lib/profile.hpp"
+#include "overlay/marker_windows.hpp"
 #include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
 
@@ -19,12 +20,17 @@ namespace ostrivane::testing {
 
 class MainFormTest : public ::testing::Test {
 protected:
-    MainFormTest() : frm(dialogs, overlay, desktop, input) {
+    // The form draws through the recording overlay, or with realOverlay
+    // through the marker windows on fake line windows.
+    explicit MainFormTest(bool realOverlay = false)
+        : frm(dialogs, realOverlay ? static_cast<Overlay&>(markerWindows) : overlay, desktop, input) {
+        if (realOverlay) markerWindows.Attach(frm);
         frm.screen = {1920, 1080, 0, 0};
         frm.DataFile = dir.file("ostrivane.ini");
     }
 
     // Replaces the data file's text (CR LF is up to the caller).
+    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
     void WriteDataFile(const std::string& text) { WriteBytes(frm.DataFile, text); }
     std::string ReadDataFile() const { return ReadBytes(frm.DataFile); }
     // A marker's cells {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
@@ -54,6 +60,8 @@ protected:
     fakes::FakeOverlay overlay;
     fakes::FakeDesktop desktop;
     fakes::FakeInput input;
+    fakes::FakeLineWindows lineWindows;
+    MarkerWindows markerWindows{lineWindows, desktop};
     MainForm frm;
 };
 

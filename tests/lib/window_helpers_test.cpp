@@ -146,7 +146,6 @@ TEST(FileDialogs, RequestFilterBufferTitleAndFlags) {
     EXPECT_EQ(ws.saveRequests[1].file, std::string(256, 'p'));
 }
 
-// The flag follows; the cursor only while one is attached.
 TEST(SetBusy, FlagFollowsAndTheAttachedCursorSwitches) {
     FakeWindowSystem ws;
     for (WindowSystem* cursor : {static_cast<WindowSystem*>(&ws), static_cast<WindowSystem*>(nullptr)}) {

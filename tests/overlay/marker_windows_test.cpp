@@ -1,32 +1,19 @@
 // The real marker windows on fake line windows under a main form on the fake
 // platform: the roads of ShowMarker, the classes, the show and stop switch.
-#include <gtest/gtest.h>
-
 #include <array>
-#include <fstream>
 #include <functional>
-#include <string>
-#include <vector>
 
-#include "editor/main_form.hpp"
-#include "fakes/fake_platform.hpp"
-#include "overlay/marker_windows.hpp"
-#include "support/run_time_error.hpp"
-#include "support/temp_dir.hpp"
+#include "editor/main_form_fixture.hpp"
 
 namespace ostrivane::testing {
 namespace {
 
-
-class OverlayTest : public ::testing::Test {
+class OverlayTest : public MainFormTest {
 protected:
-    OverlayTest() : windows(lines, desktop), frm(dialogs, windows, desktop, input) {
-        windows.Attach(frm);
-        frm.screen = {1920, 1080, 0, 0};
-        frm.DataFile = dir.file("ostrivane.ini");
+    OverlayTest() : MainFormTest(true) {
         // The yield stands among the paints, and other events may run there.
         desktop.duringDoEvents = [this] {
-            lines.calls.push_back("DoEvents");
+            lineWindows.calls.push_back("DoEvents");
             if (duringYield) duringYield();
         };
     }
@@ -43,9 +30,8 @@ protected:
         for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(r, kLook[i]) = v[i + 2];
         return r;
     }
-    std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
     const fakes::FakeLineWindows::Window& WindowOf(int row, int column) const {
-        return lines.windows.at(Cell(row, column));
+        return lineWindows.windows.at(Cell(row, column));
     }
     // A window as "left top width height alpha".
     std::string Seen(int row, int column) const {
@@ -56,13 +42,6 @@ protected:
 
     static constexpr int kLook[6] = {Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
     std::function<void()> duringYield;
-    TempDir dir;
-    fakes::FakeDialogs dialogs;
-    fakes::FakeDesktop desktop;
-    fakes::FakeInput input;
-    fakes::FakeLineWindows lines;
-    MarkerWindows windows;
-    MainForm frm;
 };
 
 class MarkerWindowsTest : public OverlayTest {
@@ -74,18 +53,18 @@ protected:
 TEST_F(MarkerWindowsTest, NothingReachesTheScreenWhileStoppedOrForARowOutsideTheList) {
     PutMarker({100, 200, 21, 21, 255, 40000, 200, 0});
     frm.Showing = false;
-    windows.ShowMarker(1);
+    markerWindows.ShowMarker(1);
     using form::WindowState;
     for (const auto& [state, calls] : {std::pair{WindowState::Maximized, Lines{"SetForegroundWindow frmMain"}},
                                        {WindowState::Minimized, Lines{}}}) {
         frm.SetWindowState(state);
         desktop.calls.clear();
-        windows.ShowAllMarkers();
+        markerWindows.ShowAllMarkers();
         EXPECT_EQ(desktop.calls, calls);
     }
     frm.Showing = true;
-    for (const int row : {0, 2, -1, 51}) windows.ShowMarker(row);  // a stop would never take these down
-    EXPECT_TRUE(lines.calls.empty());
+    for (const int row : {0, 2, -1, 51}) markerWindows.ShowMarker(row);  // a stop would never take these down
+    EXPECT_TRUE(lineWindows.calls.empty());
 }
 
 // A failing step goes alone: what it was to give stays 0, an alpha never applied is -1.
@@ -100,7 +79,7 @@ TEST_F(MarkerWindowsTest, RectanglesAndAlphaComeThroughTheCascade) {
     SetGroupDefaults({20, 20, -1, 3, 30, -1});
     for (const auto& c : cases) {
         const int r = PutMarker(c.marker);
-        EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(r); }), 0);
+        EXPECT_EQ(ErrorOf([&] { markerWindows.ShowMarker(r); }), 0);
         EXPECT_EQ(Seen(r, HwndH), c.horizontal);
         EXPECT_EQ(Seen(r, HwndV), c.vertical);
     }
@@ -113,14 +92,14 @@ TEST_F(MarkerWindowsTest, OneClassPerPairOfEffectiveColourAndDotted) {
     for (const std::int32_t dotted : {0, 0, 2, 1}) PutMarker({10, 10, 5, 5, 255, 1, 100, dotted});
     PutMarker({50, 50, 5, 5, -1, 1, 100, -1});  // group colour, global dotted 0
     PutMarker({60, 60, 5, 5, 65280, 1, 100, 0});
-    windows.ShowAllMarkers();
+    markerWindows.ShowAllMarkers();
     std::string got;
     for (int r = 1; r <= 6; ++r) {
-        const auto& c = lines.classes.at(WindowOf(r, HwndV).className);
+        const auto& c = lineWindows.classes.at(WindowOf(r, HwndV).className);
         got += WindowOf(r, HwndV).className + "=" + std::to_string(c.colour) + "/" + std::to_string(c.dotted) + " ";
     }
     EXPECT_EQ(got, "Ostrvane1=255/0 Ostrvane1=255/0 Ostrvane2=255/2 Ostrvane3=255/1 Ostrvane4=65280/0 Ostrvane4=65280/0 ");
-    EXPECT_EQ(windows.ClassCount, 4);
+    EXPECT_EQ(markerWindows.ClassCount, 4);
 }
 
 // Each road from a marker shown once: windows 100 and 101 of class Ostrvane1,
@@ -137,17 +116,17 @@ class ShowMarkerRoads : public MarkerWindowsTest, public ::testing::WithParamInt
 TEST_P(ShowMarkerRoads, CallsInOrder) {
     SetGroupDefaults({-1, -1, 255, -1, -1, -1});
     PutMarker({100, 200, 21, 21, -1, 1, 100, 0});
-    windows.ShowMarker(1);
-    ASSERT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
+    markerWindows.ShowMarker(1);
+    ASSERT_EQ(lineWindows.calls, (Lines{"RegisterClass Ostrvane1", "Create Ostrvane1", "Create Ostrvane1",
                                   "SetAlpha 100 255", "SetAlpha 101 255"}));
-    lines.calls.clear();
+    lineWindows.calls.clear();
     for (const auto& [row, column, value] : GetParam().cells) {
-        if (column == 0) windows.DestroyMarkerWindows(row);
-        else if (column < 0) duringYield = [&] { windows.DestroyAllMarkerWindows(); };
+        if (column == 0) markerWindows.DestroyMarkerWindows(row);
+        else if (column < 0) duringYield = [&] { markerWindows.DestroyAllMarkerWindows(); };
         else frm.store.Markers(row, column) = value;
     }
-    windows.ShowMarker(1);
-    EXPECT_EQ(lines.calls, GetParam().calls);
+    markerWindows.ShowMarker(1);
+    EXPECT_EQ(lineWindows.calls, GetParam().calls);
     // The painted cells follow the raw and the effective colour.
     EXPECT_EQ(Cell(1, PaintedColour), Cell(1, Colour));
     EXPECT_EQ(Cell(1, PaintedEffective), EffectiveValue(frm.store, 1, Colour));
@@ -182,27 +161,27 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(MarkerWindowsTest, BlackKeepsItsClassWhenTheDottedBoxForcesARebuild) {
     PutMarker({100, 200, 21, 21, 0, 1, 100, 0});
-    windows.ShowMarker(1);
+    markerWindows.ShowMarker(1);
     frm.store.Markers(1, Dotted) = 1;
     frm.store.Markers(1, PaintedColour) = 0;  // the click's way to force a rebuild, which 0 cannot
-    windows.ShowMarker(1);
+    markerWindows.ShowMarker(1);
     EXPECT_EQ(Cell(1, HwndH), 100);
-    EXPECT_EQ(lines.classes.at(WindowOf(1, HwndH).className).dotted, 0);
+    EXPECT_EQ(lineWindows.classes.at(WindowOf(1, HwndH).className).dotted, 0);
 }
 
 TEST_F(MarkerWindowsTest, The101stClassLeavesTheMarkerWithoutWindows) {
-    for (std::int32_t colour = 0; colour < 100; ++colour) windows.GetMarkerClass(colour, 0);
+    for (std::int32_t colour = 0; colour < 100; ++colour) markerWindows.GetMarkerClass(colour, 0);
     PutMarker({100, 200, 21, 21, 5000, 1, 100, 0});
-    lines.calls.clear();
-    EXPECT_EQ(ErrorOf([&] { windows.ShowMarker(1); }), 0);
-    EXPECT_EQ(windows.ClassCount, 101);
+    lineWindows.calls.clear();
+    EXPECT_EQ(ErrorOf([&] { markerWindows.ShowMarker(1); }), 0);
+    EXPECT_EQ(markerWindows.ClassCount, 101);
     EXPECT_EQ(Cell(1, HwndH), 0);
-    EXPECT_EQ(lines.calls, (Lines{"Create Ostrvane0", "Create Ostrvane0"}));
+    EXPECT_EQ(lineWindows.calls, (Lines{"Create Ostrvane0", "Create Ostrvane0"}));
     // No row is reused: new pairs keep failing, old ones still serve.
-    EXPECT_EQ(ErrorOf([&] { windows.GetMarkerClass(6000, 0); }), kSubscriptOutOfRange);
-    EXPECT_EQ(windows.ClassCount, 101);
+    EXPECT_EQ(ErrorOf([&] { markerWindows.GetMarkerClass(6000, 0); }), kSubscriptOutOfRange);
+    EXPECT_EQ(markerWindows.ClassCount, 101);
     frm.store.Markers(1, Colour) = 99;
-    windows.ShowMarker(1);
+    markerWindows.ShowMarker(1);
     EXPECT_EQ(WindowOf(1, HwndH).className, "Ostrvane100");
 }
 
@@ -210,39 +189,39 @@ TEST_F(MarkerWindowsTest, The101stClassLeavesTheMarkerWithoutWindows) {
 // until the cursor moves; an arm that overflows skips the moves. A flash
 // tick's alpha 0 goes to the horizontal line, then the vertical one.
 TEST_F(MarkerWindowsTest, CrossArmsAndTheInvisibleHalfOfABlink) {
-    windows.CreateAddLines(65535, 1, 77);
-    EXPECT_EQ(lines.calls, (Lines{"RegisterClass Ostrvane1", "CreatePlain Ostrvane1", "SetAlpha 100 77", "CreatePlain Ostrvane1",
+    markerWindows.CreateAddLines(65535, 1, 77);
+    EXPECT_EQ(lineWindows.calls, (Lines{"RegisterClass Ostrvane1", "CreatePlain Ostrvane1", "SetAlpha 100 77", "CreatePlain Ostrvane1",
                                   "SetAlpha 101 77", "CreatePlain Ostrvane1", "SetAlpha 102 77", "CreatePlain Ostrvane1",
                                   "SetAlpha 103 77"}));
-    EXPECT_EQ(lines.classes.at("Ostrvane1").dotted, 1);
-    windows.MoveAddLines(500, 300, 3);
+    EXPECT_EQ(lineWindows.classes.at("Ostrvane1").dotted, 1);
+    markerWindows.MoveAddLines(500, 300, 3);
     const std::array<PixelRect, 4> arms{{{0, 299, 494, 3}, {506, 299, 1414, 3}, {499, 0, 3, 294}, {499, 306, 3, 774}}};
-    for (std::size_t i = 1; i <= 4; ++i) EXPECT_EQ(lines.windows.at(windows.AddLines[i]).rect, arms[i - 1]) << i;
-    lines.calls.clear();
-    windows.MoveAddLines(100000, 300, 3);
-    EXPECT_EQ(lines.calls, (Lines{"Move 100", "Move 101", "Move 102", "Move 103"}));
-    EXPECT_EQ(lines.windows.at(100).rect, PixelRect{}) << "an arm that overflows moves to nothing";
+    for (std::size_t i = 1; i <= 4; ++i) EXPECT_EQ(lineWindows.windows.at(markerWindows.AddLines[i]).rect, arms[i - 1]) << i;
+    lineWindows.calls.clear();
+    markerWindows.MoveAddLines(100000, 300, 3);
+    EXPECT_EQ(lineWindows.calls, (Lines{"Move 100", "Move 101", "Move 102", "Move 103"}));
+    EXPECT_EQ(lineWindows.windows.at(100).rect, PixelRect{}) << "an arm that overflows moves to nothing";
 
     PutMarker({100, 200, 21, 21, 255, 1, 100, 0});
-    windows.ShowMarker(1);
-    lines.calls.clear();
-    windows.MakeMarkerInvisible(1);
-    EXPECT_EQ(lines.calls, (Lines{"SetAlpha 104 0", "SetAlpha 105 0"}));
+    markerWindows.ShowMarker(1);
+    lineWindows.calls.clear();
+    markerWindows.MakeMarkerInvisible(1);
+    EXPECT_EQ(lineWindows.calls, (Lines{"SetAlpha 104 0", "SetAlpha 105 0"}));
 }
 
 TEST_F(MarkerWindowsTest, DestroyAllTakesTheCrossFirstAndUnregisterEveryClass) {
     PutMarker({100, 200, 21, 21, 255, 1, 100, 0});
     PutMarker({300, 400, 21, 21, 65280, 1, 100, 0});
-    windows.ShowAllMarkers();  // windows 100 to 103
-    windows.CreateAddLines(255, 0, 255);
-    lines.calls.clear();
-    windows.DestroyAllMarkerWindows();
-    windows.UnregisterMarkerClasses();
-    EXPECT_EQ(lines.calls, (Lines{"Destroy 104", "Destroy 105", "Destroy 106", "Destroy 107", "Destroy 100",
+    markerWindows.ShowAllMarkers();  // windows 100 to 103
+    markerWindows.CreateAddLines(255, 0, 255);
+    lineWindows.calls.clear();
+    markerWindows.DestroyAllMarkerWindows();
+    markerWindows.UnregisterMarkerClasses();
+    EXPECT_EQ(lineWindows.calls, (Lines{"Destroy 104", "Destroy 105", "Destroy 106", "Destroy 107", "Destroy 100",
                                   "Destroy 101", "Destroy 102", "Destroy 103", "UnregisterClass Ostrvane1",
                                   "UnregisterClass Ostrvane2"}));
-    EXPECT_EQ(windows.AddLines, (std::array<WindowHandle, 5>{}));
-    EXPECT_TRUE(lines.windows.empty() && lines.classes.empty());
+    EXPECT_EQ(markerWindows.AddLines, (std::array<WindowHandle, 5>{}));
+    EXPECT_TRUE(lineWindows.windows.empty() && lineWindows.classes.empty());
 }
 
 class ShowStopTest : public OverlayTest {
@@ -251,7 +230,7 @@ protected:
     void Append(std::int32_t hpos) { frm.AppendMarker(hpos, 200, 21, 21, 255, 1, 100, 0); }
     void Press() { frm.cmdShow.PerformClick(); }
     void WriteDefaults(const std::string& section) {
-        std::ofstream(frm.DataFile, std::ios::binary) << "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" << section;
+        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" + section);
     }
     // Showing, captions of button and popup entry, message; flash phase, hook, mouse
     // mode; timers flash, add, add complete, move; windows up; the form.
@@ -262,7 +241,7 @@ protected:
             timers += t->TimerEnabled() ? '1' : '0';
         return std::to_string(frm.Showing) + " " + frm.cmdShow.Caption() + " " + frm.mnuPopupShow.Caption() + " [" +
                frm.lblMsg.Caption() + "] " + std::to_string(frm.FlashPhase) + std::to_string((frm.MouseHook != 0)) +
-               std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lines.windows.size()) +
+               std::to_string(frm.MouseMode) + " " + timers + " " + std::to_string(lineWindows.windows.size()) +
                (frm.Visible() ? " up" : " hidden") +
                (frm.GetWindowState() == form::WindowState::Minimized ? " minimised" : "");
     }
@@ -275,7 +254,7 @@ TEST_F(ShowStopTest, ShowWithNoMarkersSaysSoAndBringsTheFormBack) {
     EXPECT_EQ(State(), "1 &Stop &Stop [Select a group or add a marker] 010 0000 0 up");
     input.cursor = {500, 600};
     frm.AddMarker();
-    EXPECT_EQ(lines.windows.size(), 2u) << "still showing: a new marker goes straight up";
+    EXPECT_EQ(lineWindows.windows.size(), 2u) << "still showing: a new marker goes straight up";
 }
 
 TEST_F(ShowStopTest, ShowThenStop) {
@@ -289,7 +268,7 @@ TEST_F(ShowStopTest, ShowThenStop) {
     EXPECT_EQ(WindowOf(1, HwndV).rect.left, 700);
 
     // A placement and a drag under way when the stop comes.
-    windows.CreateAddLines(255, 0, 255);
+    markerWindows.CreateAddLines(255, 0, 255);
     frm.MouseMode = 2;
     frm.FlashPhase = true;
     frm.lblMsg.SetCaption("Left click to place marker");
@@ -314,7 +293,7 @@ TEST_F(ShowStopTest, NoLinesOutliveTheStopAfterTheFocusedMarkerWentAway) {
         field->SetFocus();
         menu->PerformClick();
         Press();
-        EXPECT_TRUE(lines.windows.empty());
+        EXPECT_TRUE(lineWindows.windows.empty());
     }
 }
 
