@@ -8,8 +8,6 @@
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"
-#include "fakes/memory_setting_store.hpp"
-#include "store/data_file.hpp"
 #include "support/scoped_env.hpp"
 
 namespace ostrivane::testing {
@@ -60,7 +58,6 @@ TEST_F(DataDirMoveTest, EveryQuestionWithEachAnswer) {
         {"path unchanged", "old", true, false, true, Nothing, {}, true, "", "old", true, true},
         {"blank: the default dir", "", false, false, true, Nothing, {vbYes, vbOK, vbNo}, true, "CME", "old", false, true},
     };
-    fakes::MemorySettingStore settings;
     int n = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -5,8 +5,6 @@
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"
-#include "fakes/memory_setting_store.hpp"
-#include "store/data_file.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -18,13 +16,9 @@ class OptionsTest : public MainFormTest {
 protected:
     OptionsTest() {
         std::filesystem::create_directories(DataDir());
-        settings.SaveSetting(kAppTitle, "Settings", "DataDir", DataDir());
-        frm.settings = &settings;
-        frm.DataFile = DataDir() + "/ostrivane.ini";
+        UseDataDir();
         WriteDataFile(kFileHead);
     }
-    std::string DataDir() const { return dir.file("data"); }
-    fakes::MemorySettingStore settings;
 };
 
 std::string ValueOf(form::Control& c) {

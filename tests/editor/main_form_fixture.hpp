@@ -10,9 +10,11 @@
 
 #include "editor/main_form.hpp"
 #include "fakes/fake_platform.hpp"
+#include "fakes/memory_setting_store.hpp"
 #include "lib/errors.hpp"
 #include "lib/profile.hpp"
 #include "overlay/marker_windows.hpp"
+#include "store/data_file.hpp"
 #include "support/run_time_error.hpp"
 #include "support/temp_dir.hpp"
 
@@ -30,6 +32,13 @@ protected:
     }
 
     // Replaces the data file's text (CR LF is up to the caller).
+    // The data file in a directory one level down, named in the settings the form reads.
+    void UseDataDir() {
+        settings.SaveSetting(kAppTitle, "Settings", "DataDir", DataDir());
+        frm.settings = &settings;
+        frm.DataFile = DataDir() + "/ostrivane.ini";
+    }
+    std::string DataDir() const { return dir.file("data"); }
     std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
     void WriteDataFile(const std::string& text) { WriteBytes(frm.DataFile, text); }
     std::string ReadDataFile() const { return ReadBytes(frm.DataFile); }
@@ -60,6 +69,7 @@ protected:
     fakes::FakeOverlay overlay;
     fakes::FakeDesktop desktop;
     fakes::FakeInput input;
+    fakes::MemorySettingStore settings;
     fakes::FakeLineWindows lineWindows;
     MarkerWindows markerWindows{lineWindows, desktop};
     MainForm frm;

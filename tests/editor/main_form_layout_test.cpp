@@ -2,7 +2,6 @@
 
 #include "dialogs/options_form.hpp"
 #include "editor/main_form_fixture.hpp"
-#include "fakes/memory_setting_store.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -15,7 +14,6 @@ int Bottom(const form::Control& c) { return c.Top + c.Height; }
 // Every control a user sees (menus and timers have no place) lies inside the
 // form on whole pixels, and no two overlap; the same holds for the options dialog.
 TEST_F(MainFormLayout, EveryVisibleControlHasItsOwnPlaceInsideTheForm) {
-    fakes::MemorySettingStore settings;
     const OptionsForm options(frm, settings);
     for (const auto& [form, count] : {std::pair<const form::Form*, std::size_t>{&frm, 40u}, {&options, 27u}}) {
         std::vector<const form::Control*> placed;

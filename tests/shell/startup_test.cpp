@@ -6,9 +6,7 @@
 
 #include "dialogs/message_box.hpp"
 #include "editor/main_form_fixture.hpp"
-#include "fakes/memory_setting_store.hpp"
 #include "fakes/ordered_platform.hpp"
-#include "store/data_file.hpp"
 
 namespace ostrivane::testing {
 namespace {
@@ -20,17 +18,11 @@ constexpr char kGuard[] = "AcquireInstance iOstrivanei";
 // nothing can be told from one that creates it.
 class StartupTest : public MainFormTest {
 protected:
-    StartupTest() {
-        settings.SaveSetting(kAppTitle, "Settings", "DataDir", DataDir());
-        frm.settings = &settings;
-        frm.DataFile = DataDir() + "/ostrivane.ini";
-    }
-    std::string DataDir() const { return dir.file("data"); }
+    StartupTest() { UseDataDir(); }
     void WriteDefaults(const std::string& extraLines) {
         std::filesystem::create_directories(DataDir());
         WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1x1\r\nPC=here\r\n" + extraLines);
     }
-    fakes::MemorySettingStore settings;
 };
 
 // The same on fakes sharing one log, for the order of calls across them.
