@@ -10,14 +10,13 @@ namespace ostrivane::testing {
 namespace {
 
 using namespace std::string_literals;
-constexpr char kFileHead[] = "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n";
 
 class OptionsTest : public MainFormTest {
 protected:
     OptionsTest() {
         std::filesystem::create_directories(DataDir());
         UseDataDir();
-        WriteDataFile(kFileHead);
+        WriteDefaults();
     }
 };
 
@@ -80,7 +79,7 @@ TEST_F(OptionsTest, EverySettingShowsItsDefaultAndOkWritesThemInOrder) {
     };
     o.Form_Load();
     EXPECT_EQ(o.txtDataDir.Text(), DataDir());
-    std::string written = kFileHead + "DataFormat=1\r\n"s;
+    std::string written = kDefaultsHead + "DataFormat=1\r\n"s;
     for (const auto& r : rows) {
         EXPECT_EQ(ValueOf(r.control), r.shown) << r.key;
         Set(r.control, r.typed);
@@ -123,7 +122,7 @@ TEST_F(OptionsTest, TheGlobalDefaultRowIsNeverBlank) {
 // After OK or Cancel the display reloads: settings and list read again, the
 // group in use loaded anew, every marker shown; stay on top follows the file.
 TEST_F(OptionsTest, ARunningDisplayTakesOverWhatTheDialogLeft) {
-    WriteDataFile(kFileHead + "StayOnTop=1\r\n[One]\r\nDataFormat=1\r\n1=100,100,-1,-1,-1,-1,-1,0,\r\n"s);
+    WriteDefaults("StayOnTop=1\r\n[One]\r\nDataFormat=1\r\n1=100,100,-1,-1,-1,-1,-1,0,\r\n"s);
     frm.LoadSettings();
     const std::string before = ReadDataFile();
     for (const bool ok : {false, true}) {

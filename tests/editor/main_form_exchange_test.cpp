@@ -27,8 +27,8 @@ class ExchangeTest : public MainFormTest {
 protected:
     ExchangeTest() {
         lib_AttachBusyCursor(&ws);
-        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Alpha]\r\nDataFormat=1\r\n"
-                      "Defaults=0,0,-1,-1,-1,-1,-1,-1,\r\n1=10,20,30,40,50,5,70,1,\r\nNotes=\r\n[Beta_Tr]\r\n");
+        WriteDefaults("[Alpha]\r\nDataFormat=1\r\nDefaults=0,0,-1,-1,-1,-1,-1,-1,\r\n1=10,20,30,40,50,5,70,1,\r\n"
+                      "Notes=\r\n[Beta_Tr]\r\n");
         frm.LoadGroupList();
     }
     ~ExchangeTest() override { lib_AttachBusyCursor(nullptr); }

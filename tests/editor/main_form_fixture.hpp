@@ -41,6 +41,8 @@ protected:
     std::string DataDir() const { return dir.file("data"); }
     std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
     void WriteDataFile(const std::string& text) { WriteBytes(frm.DataFile, text); }
+    // The settings section with the global defaults, then the given text.
+    void WriteDefaults(const std::string& rest = "") { WriteDataFile(kDefaultsHead + rest); }
     std::string ReadDataFile() const { return ReadBytes(frm.DataFile); }
     // A marker's cells {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
     std::vector<std::int32_t> Marker(int row) const {
@@ -58,12 +60,19 @@ protected:
     }
     Lines Section(const std::string& name) const { return Split(lib_ProfileGetSection(name, frm.DataFile), '\0'); }
     Lines Headers() const { return Split(ReadDataFile(), '\n', true); }
+    // "X" for each selected marker item, "." for the others.
+    std::string Selection() const {
+        std::string s;
+        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) s += frm.lstMarkers.Selected(i) ? 'X' : '.';
+        return s;
+    }
     Lines Groups() const {
         Lines items;
         for (int i = 0; i < frm.lstGroups.ListCount(); ++i) items.push_back(frm.lstGroups.List(i));
         return items;
     }
 
+    static constexpr char kDefaultsHead[] = "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n";
     TempDir dir;
     fakes::FakeDialogs dialogs;
     fakes::FakeOverlay overlay;

@@ -22,7 +22,7 @@ const Lines kBeta = {"DataFormat=1", "Defaults=0,0,-1,-1,-1,-1,-1,-1,", "1=10,20
 class GroupTest : public MainFormTest {
 protected:
     void WriteGroups(const std::vector<std::pair<std::string, Lines>>& groups) {
-        std::string text = "[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n";
+        std::string text = kDefaultsHead;
         for (const auto& [name, lines] : groups) {
             text += "[" + name + "]\r\n";
             for (const std::string& line : lines) text += line + "\r\n";

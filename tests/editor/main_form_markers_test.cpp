@@ -18,13 +18,10 @@ protected:
     }
     // "Hpos of each row|list items|selection", as "200,400,|1,2,|X.".
     std::string Table() const {
-        std::string hposes, items, selection;
+        std::string hposes, items;
         for (int r = 1; r <= frm.store.MarkerCount; ++r) hposes += std::to_string(frm.store.Markers(r, Hpos)) + ",";
-        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) {
-            items += frm.lstMarkers.List(i) + ",";
-            selection += frm.lstMarkers.Selected(i) ? 'X' : '.';
-        }
-        return hposes + "|" + items + "|" + selection;
+        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) items += frm.lstMarkers.List(i) + ",";
+        return hposes + "|" + items + "|" + Selection();
     }
     void Duplicate(const std::vector<std::string>& answers) {
         dialogs.inputBoxAnswers.assign(answers.begin(), answers.end());

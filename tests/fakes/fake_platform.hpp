@@ -39,8 +39,7 @@ struct Question {
 // Message boxes are also noted in a log shared with other fakes, if given.
 class FakeDialogs final : public Dialogs {
 public:
-    FakeDialogs() = default;
-    explicit FakeDialogs(std::vector<std::string>& log) : log_(&log) {}
+    explicit FakeDialogs(Lines* log = nullptr) : log_(log) {}
     // Scripted answers, taken in order; a question with no answer left fails the test.
     std::deque<int> msgBoxAnswers;
     std::deque<std::string> inputBoxAnswers;
@@ -63,7 +62,7 @@ public:
     }
 
 private:
-    std::vector<std::string>* log_ = nullptr;
+    Lines* log_;
     template <class T>
     static T Take(std::deque<T>& answers, const std::string& what) {
         if (answers.empty()) throw std::logic_error("unexpected question, no scripted answer: " + what);

@@ -229,9 +229,6 @@ protected:
     ShowStopTest() { frm.SetVisible(true); }
     void Append(std::int32_t hpos) { frm.AppendMarker(hpos, 200, 21, 21, 255, 1, 100, 0); }
     void Press() { frm.cmdShow.PerformClick(); }
-    void WriteDefaults(const std::string& section) {
-        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n" + section);
-    }
     // Showing, captions of button and popup entry, message; flash phase, hook, mouse
     // mode; timers flash, add, add complete, move; windows up; the form.
     std::string State() const {

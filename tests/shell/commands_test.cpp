@@ -15,9 +15,8 @@ class CommandTest : public MainFormTest {
 protected:
     CommandTest() {
         // Bad fails to load at its second marker.
-        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n[Alpha]\r\nDataFormat=1\r\n"
-                      "1=400,300,-2,-2,65280,3,60,0,\r\n2=10,20,30,40,50,5,70,1,\r\n[Two Words]\r\n[Beta]\r\n"
-                      "[/show]\r\n[]\r\n[Bad]\r\nDataFormat=1\r\n1=1,2,3,4,5,1,7,0,\r\n2=x,2,3,4,5,1,7,0,\r\n");
+        WriteDefaults("[Alpha]\r\nDataFormat=1\r\n1=400,300,-2,-2,65280,3,60,0,\r\n2=10,20,30,40,50,5,70,1,\r\n"
+                      "[Two Words]\r\n[Beta]\r\n[/show]\r\n[]\r\n[Bad]\r\nDataFormat=1\r\n1=1,2,3,4,5,1,7,0,\r\n2=x,2,3,4,5,1,7,0,\r\n");
         frm.LoadGroupList();
         frm.cmdShow.Click.Connect([this] { ++showClicks; });
         frm.cmdExit.Click.Connect([this] { ++exitClicks; });

@@ -9,7 +9,7 @@ namespace {
 
 class HooksTest : public MainFormTest {
 protected:
-    HooksTest() { WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\n"); }
+    HooksTest() { WriteDefaults(); }
 
     // Keys as "LC+ `+": LC/RC/LS/RS the four watched keys, ` the grave key,
     // 1 the digit, A any other key, M Alt; + down, - up; "sys" the Alt form
@@ -43,11 +43,6 @@ protected:
         for (const form::Timer* t : {&frm.timAddMarker, &frm.timAddMarkerComplete, &frm.timMoveMarkerStart,
                                      &frm.timMoveMarker, &frm.timMoveMarkerComplete, &frm.timFlashSelected})
             s += t->TimerEnabled() ? '1' : '0';
-        return s;
-    }
-    std::string Selection() const {
-        std::string s;
-        for (int i = 0; i < frm.lstMarkers.ListCount(); ++i) s += frm.lstMarkers.Selected(i) ? 'X' : '.';
         return s;
     }
 };
@@ -167,8 +162,7 @@ TEST_F(HooksTest, HitTestTakesTheFirstRowAndTheVerticalLineAtACrossing) {
 }
 
 TEST_F(HooksTest, PlacingFollowsTheCursorAndTheNextPressFixesTheMarker) {
-    WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nAddMarkerOpacity=40\r\nAddMarkerColour=255\r\n"
-                  "AddMarkerDotted=1\r\n");
+    WriteDefaults("AddMarkerOpacity=40\r\nAddMarkerColour=255\r\nAddMarkerDotted=1\r\n");
     Markers({{100, 100}});
     frm.lstMarkers.SetSelected(0, true);
     frm.SetVisible(true);

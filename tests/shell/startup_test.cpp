@@ -21,7 +21,7 @@ protected:
     StartupTest() { UseDataDir(); }
     void WriteDefaults(const std::string& extraLines) {
         std::filesystem::create_directories(DataDir());
-        WriteDataFile("[Defaults]\r\nDefaults=0,0,-2,-2,255,1,100,0,\r\nScreenRes=1x1\r\nPC=here\r\n" + extraLines);
+        MainFormTest::WriteDefaults("ScreenRes=1x1\r\nPC=here\r\n" + extraLines);
     }
 };
 
@@ -36,7 +36,7 @@ protected:
     TempDir dir;
     fakes::MemorySettingStore settings;
     Lines log;
-    fakes::FakeDialogs dialogs{log};
+    fakes::FakeDialogs dialogs{&log};
     fakes::FakeOverlay overlay{log};
     fakes::OrderedDesktop desktop{log};
     fakes::FakeInput input{log};
