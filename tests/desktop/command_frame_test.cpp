@@ -22,8 +22,10 @@ TEST(CommandFrame, LengthGoesMostSignificantByteFirst) {
     }
 }
 
-// Fed in pieces of at most three bytes while it asks for more: the frame and no byte beyond.
-TEST(CommandFrame, ReaderTakesOneFrameAndNoMore) {
+// Fed in pieces of at most three bytes while it asks for more: the frame and
+// no byte beyond. Too long a frame is refused on the announced length alone,
+// before a byte of the text is held.
+TEST(CommandFrame, ReaderTakesOneFrameAndNoMoreAndTooLongOnesAreRefusedOnBothEnds) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{300}, kMaxCommandBytes}) {
         const std::string text(size, 'g');
         const std::string frame = EncodeFrame(text).value() + "trailing bytes of another frame";
@@ -39,10 +41,6 @@ TEST(CommandFrame, ReaderTakesOneFrameAndNoMore) {
         EXPECT_EQ(used, kLengthBytes + size);
         EXPECT_EQ(reader.Text(), text);
     }
-}
-
-// Refused on the announced length alone, before a byte of the text is held.
-TEST(CommandFrame, TooLongRefusedOnBothEnds) {
     EXPECT_FALSE(EncodeFrame(std::string(kMaxCommandBytes + 1, 'x')).has_value());
     for (const std::uint32_t length : {std::uint32_t{kMaxCommandBytes + 1}, std::uint32_t{9816}, 1u << 20}) {
         FrameReader reader;

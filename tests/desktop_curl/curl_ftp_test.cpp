@@ -32,10 +32,6 @@ struct FtpServer {
     }
 };
 
-std::string Err(std::int32_t number, const std::string& rest) {
-    return std::to_string(kObjectErrorBase + number) + " " + rest;
-}
-
 struct LiveFtp : ::testing::Test {
     TempDir dir;
     std::string root = dir.file("root");
@@ -60,16 +56,16 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
         {nullptr, nullptr, kFetch, "ftp://127.0.0.1/pub/new/deep/up.bin", "down.bin", false, "no error"},
         {nullptr, nullptr, kFetch, "ftp://127.0.0.1:1/pub/ten.bin", "ten.bin", false, "no error"},
         {nullptr, nullptr, kFetch, "ftp://127.0.0.1/pub/none.bin", "none.bin", false,
-         Err(5000, "FTP::ConnectToFTPHost: Cannot start file transfer from '127.0.0.1'.")},
+         ObjectFailure(5000, "FTP::ConnectToFTPHost: Cannot start file transfer from '127.0.0.1'.")},
         {nullptr, nullptr, kSend, "ftp://127.0.0.1/", "/pub/anon.bin", false,
-         Err(2215, "FTP::UploadFileToFTPServer: 550 Not enough privileges.")},
+         ObjectFailure(2215, "FTP::UploadFileToFTPServer: 550 Not enough privileges.")},
         {"ann", "secret", kSend, "ftp://127.0.0.1/", "/pub/gone/up.bin", false,
-         Err(9999, "FTP::UploadFileToFTPServer: 550 No such file or directory.")},
+         ObjectFailure(9999, "FTP::UploadFileToFTPServer: 550 No such file or directory.")},
         {"ann", "secret", kDelete, "ftp://127.0.0.1/", "pub/new/deep/up.bin", false, "no error"},
         {"ann", "secret", kDelete, "ftp://127.0.0.1/", "pub/new/deep/up.bin", false,
-         Err(2215, "FTP::DeleteFileFromFTPServer: 550 No such file or directory.")},
+         ObjectFailure(2215, "FTP::DeleteFileFromFTPServer: 550 No such file or directory.")},
         {"ann", "bad", kDelete, "ftp://127.0.0.1/", "x", false,
-         Err(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'.")},
+         ObjectFailure(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'.")},
     };
     for (const auto& row : rows) {
         lib_clsFTP ftp(transport, windows);
@@ -104,7 +100,7 @@ TEST_F(LiveFtp, SendFetchDeleteAndTheServersRefusals) {
     EXPECT_EQ(std::pair(file > c, transport.ReadFile(file, &byte, 1).bytes), std::pair(true, std::size_t{0}));
     server.Kill();
     EXPECT_EQ(FailureOf([&] { finder.ConnectToFTPHost(); }),
-              Err(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'."));
+              ObjectFailure(4001, "FTP::ConnectToFTPHost: Couldn't connect to server '127.0.0.1'."));
     EXPECT_FALSE(finder.FTPFileExists("/pub/ten.bin"));
 }
 

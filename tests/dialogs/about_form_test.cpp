@@ -2,9 +2,6 @@
 // the year of each opening, and its one way out.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "dialogs/about_form.hpp"
 #include "fakes/fake_platform.hpp"
 

@@ -2,9 +2,6 @@
 // string, the sizing by lines, OK and Cancel, the first key's treatment.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "dialogs/input_box_form.hpp"
 #include "fakes/fake_platform.hpp"
 #include "lib/errors.hpp"

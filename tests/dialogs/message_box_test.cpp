@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "dialogs/msgbox_form.hpp"
 #include "fakes/fake_platform.hpp"
 #include "lib/errors.hpp"
@@ -13,7 +9,6 @@
 
 namespace ostrivane {
 namespace {
-
 
 TEST(TrimMessageTail, CutsAReferenceBlockOnly) {
     const std::pair<const char*, const char*> cases[] = {

@@ -4,10 +4,7 @@ rules of the line geometry, to hold the program's windows against."""
 
 def effective(marker, group, globals_):
     """The cascade: the marker's cell, else the group's, else the global one (-1 is blank)."""
-    out = []
-    for m, g, d in zip(marker, group, globals_):
-        out.append(m if m != -1 else (g if g != -1 else d))
-    return out
+    return [m if m != -1 else (g if g != -1 else d) for m, g, d in zip(marker, group, globals_)]
 
 
 def marker_lines(hpos, vpos, hlen, vlen, thickness, screen_left, screen_top, screen_width):

@@ -45,9 +45,8 @@ def test(session):
     session.start_wm()
     write_data_file(session.data_file, {"Bench": ([0, 0, -1, -1, -1, -1, -1, -1], [MARKER], "")})
     target = Target(session, (600, 400, 300, 200))
-    holder = subprocess.Popen([session.probe, "hold-key", "0x31", "20"], env=session.env,
-                              stdout=subprocess.PIPE, text=True)  # Control with Mod2, Num Lock
-    session.extra.append(holder)
+    # Control with Mod2, Num Lock.
+    holder = session.start_other([session.probe, "hold-key", "0x31", "20"], stdout=subprocess.PIPE, stderr=None)
     check(holder.stdout.readline().strip() == "held", "x11_probe could not hold Ctrl+1")
     app = session.start("Bench")
     poll(lambda: len(session.marker_windows()) == 2, "the group's line windows")

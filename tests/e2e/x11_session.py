@@ -75,7 +75,7 @@ def poll(condition, what, timeout=TIMEOUT, interval=0.05):
 
 
 def stop(proc):
-    if proc.poll() is None:
+    if proc is not None and proc.poll() is None:
         proc.terminate()
         try:
             proc.wait(5)
@@ -128,8 +128,7 @@ class Session:
 
     def new_screen(self, width, height):
         """A fresh Xvfb of that size in place of the one before, whose clients go with it."""
-        if self.xvfb is not None:
-            stop(self.xvfb)
+        stop(self.xvfb)
         read_end, write_end = os.pipe()
         self.xvfb = subprocess.Popen(
             ["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{width}x{height}x24",
@@ -149,8 +148,7 @@ class Session:
         for app in self.apps if exc[0] is not None else []:
             if out := app.output().strip():
                 print(f"--- output of ostrivane {app.args} ---\n{out}")
-        if self.xvfb is not None:
-            stop(self.xvfb)
+        stop(self.xvfb)
         shutil.rmtree(self.tmp, ignore_errors=True)
         return False
 
@@ -165,9 +163,9 @@ class Session:
         self.apps.append(app)
         return app
 
-    def start_other(self, argv):
-        proc = subprocess.Popen(argv, env=self.env, stdout=subprocess.DEVNULL,
-                                stderr=subprocess.DEVNULL, stdin=subprocess.DEVNULL)
+    def start_other(self, argv, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL):
+        """Another program on this display, ended with the session; a piped output comes as text."""
+        proc = subprocess.Popen(argv, env=self.env, stdout=stdout, stderr=stderr, stdin=subprocess.DEVNULL, text=True)
         self.extra.append(proc)
         return proc
 
@@ -190,8 +188,7 @@ class Session:
                 for m in map(WINDOW_LINE.match, out.splitlines()) if m]
 
     def viewable(self, wid):
-        out = self.x("xwininfo", "-id", wid, check_rc=False)
-        return "Map State: IsViewable" in out
+        return "Map State: IsViewable" in self.x("xwininfo", "-id", wid, check_rc=False)
 
     def marker_windows(self):
         return [w for w in self.windows() if w.wm_class[:1] == ["marker"] and self.viewable(w.id)]
@@ -240,9 +237,7 @@ class Target:
     button events it receives, as lines."""
 
     def __init__(self, session, rect):
-        self.proc = subprocess.Popen([session.probe, "target", *map(str, rect)], env=session.env,
-                                     stdout=subprocess.PIPE, text=True)
-        session.extra.append(self.proc)
+        self.proc = session.start_other([session.probe, "target", *map(str, rect)], stdout=subprocess.PIPE, stderr=None)
         self.lines, self.lock = [], threading.Lock()
         threading.Thread(target=self._read, daemon=True).start()
         self.id = poll(lambda: session.titled("target"), "the target window")[0].id

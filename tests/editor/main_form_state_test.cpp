@@ -7,8 +7,9 @@ using form::MenuItem;
 
 class MainFormStart : public MainFormTest {};
 
-// Each entry as "caption|shortcut", with "|off" when it starts disabled.
-TEST_F(MainFormStart, MenuBarInOrderWithShortcutsAndStartStates) {
+// Each menu entry as "caption|shortcut", with "|off" when it starts disabled;
+// of the other controls only those that cannot act yet start disabled.
+TEST_F(MainFormStart, MenuBarInOrderWithShortcutsAndControlsEnabledOnlyWhereTheyCanAct) {
     std::string got;
     for (MenuItem* top : frm.MenuBar()) {
         got += "\n[" + top->Caption() + "]";
@@ -22,10 +23,6 @@ TEST_F(MainFormStart, MenuBarInOrderWithShortcutsAndStartStates) {
                    " &Flash Selected                                   Ctrl+1| Stay On &Top|"
                    "\n[&Help] &Help| &Check for updates| &About|");
     EXPECT_EQ(frm.MenuBar()[1]->Items[1], &frm.mnuDelMarker);
-}
-
-// Every control of the form that starts disabled: the rest can act at once.
-TEST_F(MainFormStart, ControlsEnabledOnlyWhereTheyCanAct) {
     std::string off;
     for (const auto& [name, c] : frm.Controls())
         if (!c->Enabled() && !dynamic_cast<const MenuItem*>(c) && !dynamic_cast<const form::Timer*>(c)) off += name + " ";

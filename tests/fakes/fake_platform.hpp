@@ -1,5 +1,6 @@
 // Fakes of the platform: questions answered from a script and recorded,
-// overlay calls and line windows recorded.
+// overlay calls and line windows recorded. With them come the form model,
+// the platform interfaces, std::string, std::vector and std::function.
 #pragma once
 
 #include <deque>

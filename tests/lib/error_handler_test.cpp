@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <regex>
-#include <string>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "fakes/fake_platform.hpp"

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "fakes/fake_platform.hpp"

@@ -5,8 +5,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <string>
-#include <vector>
 
 #include "dialogs/message_box.hpp"
 #include "fakes/fake_platform.hpp"

@@ -14,10 +14,6 @@ namespace {
 
 using Commands = std::vector<std::string>;
 
-std::string Err(std::int32_t number, const std::string& rest) {
-    return std::to_string(kObjectErrorBase + number) + " " + rest;
-}
-
 // A server holding /a.txt, /pub/in/a.txt and /pub/f.bin, and a 10-byte local file.
 struct Session {
     TempDir dir;
@@ -44,14 +40,14 @@ TEST(FtpClient, RemotePathsAreEnteredOneDirectoryAtATime) {
         {"a.txt", false, false, 12003, {"DELE a.txt"}, "no error"},
         {"/pub/in/a.txt", false, false, 12003, {"CWD /", "CWD pub", "CWD in", "DELE a.txt"}, "no error"},
         {"pub/new/a.txt", false, false, 12003, {"CWD pub", "CWD new"},
-         Err(9999, "FTP::DeleteFileFromFTPServer: 550 new: No such directory.")},
+         ObjectFailure(9999, "FTP::DeleteFileFromFTPServer: 550 new: No such directory.")},
         {"pub/new/a.txt", true, true, 12003, {"CWD pub", "CWD new", "MKD new", "CWD new", "STOR LOCAL a.txt 04000002"},
          "no error"},
         // A CWD that fails for another reason than the server's answer is passed over.
         {"new/b.txt", false, false, 12030, {"CWD new", "DELE b.txt"},
-         Err(2215, "FTP::DeleteFileFromFTPServer: 550 b.txt: No such file.")},
+         ObjectFailure(2215, "FTP::DeleteFileFromFTPServer: 550 b.txt: No such file.")},
         {"/pub", true, false, 12003, {"CWD /", "STOR LOCAL pub 04000002"},
-         Err(2215, "FTP::UploadFileToFTPServer: 553 pub: Is a directory.")},
+         ObjectFailure(2215, "FTP::UploadFileToFTPServer: 553 pub: Is a directory.")},
     };
     for (const auto& row : rows) {
         Session s;
@@ -74,11 +70,11 @@ TEST(FtpClient, ConnectionLogsInOnTheServicePortOrSaysWhy) {
     const struct { const char* url; bool proxy, refused; std::string failure, session; } rows[] = {
         {"ftp://files.example:2121/pub/f.bin", false, false, "no error", "OpenSession WinInet-FileTransferObjects 0"},
         {"ftp://files.example/pub/f.bin", true, false, "no error", "OpenSession WinInet-FileTransferObjects 3"},
-        {"files.example", false, false, Err(3000, "FTP::ConnectToFTPHost: An unknown error occurred."), ""},
+        {"files.example", false, false, ObjectFailure(3000, "FTP::ConnectToFTPHost: An unknown error occurred."), ""},
         {"ftp:///pub/f.bin", false, false,
-         Err(1000, "FTP::ConnectToFTPHost: Bad URL. \r\nftp:///pub/f.bin\r\nPlease verify the hyperlink and try again."),
+         ObjectFailure(1000, "FTP::ConnectToFTPHost: Bad URL. \r\nftp:///pub/f.bin\r\nPlease verify the hyperlink and try again."),
          ""},
-        {"ftp://files.example/f", false, true, Err(4001, "FTP::ConnectToFTPHost: Couldn't connect to server 'files.example'."),
+        {"ftp://files.example/f", false, true, ObjectFailure(4001, "FTP::ConnectToFTPHost: Couldn't connect to server 'files.example'."),
          "OpenSession WinInet-FileTransferObjects 0"},
     };
     for (const auto& row : rows) {
@@ -103,9 +99,9 @@ TEST(FtpClient, Downloads) {
         {[&](Session& s) { s.server.files["/pub/f.bin"] = big, s.server.chunk = 3000; }, "no error", big, 3000},
         {[](Session& s) { s.server.files["/pub/f.bin"] = ""; }, "no error", "", 1},
         {[](Session& s) { s.ftp.SourceFile(s.local); },
-         Err(5000, "FTP::WriteFTPDataToFile: Wrong transfer method selected."), "old", 10},
+         ObjectFailure(5000, "FTP::WriteFTPDataToFile: Wrong transfer method selected."), "old", 10},
         {[](Session& s) { s.ftp.FtpURL("ftp://files.example/gone"), s.Connect(); },
-         Err(5000, "FTP::ConnectToFTPHost: Cannot start file transfer from 'files.example'."), "old", 0},
+         ObjectFailure(5000, "FTP::ConnectToFTPHost: Cannot start file transfer from 'files.example'."), "old", 0},
         // An empty destination ends in silence; asking for one cannot even open the dialog.
         {[](Session& s) { s.ftp.DestinationFile(""); }, "no error", "old", 0},
         {[](Session& s) { s.ftp.DestinationFile(""), s.ftp.PromptWithCommonDialog(true); },

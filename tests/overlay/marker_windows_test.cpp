@@ -20,14 +20,12 @@ protected:
 
     // Row 0 with the group defaults {Hlen, Vlen, Colour, Thickness, Opacity, Dotted}.
     void SetGroupDefaults(const std::array<std::int32_t, 6>& v) {
-        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(0, kLook[i]) = v[i];
+        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(0, kCells[i + 2]) = v[i];
     }
     // A marker written straight into the table: {Hpos, Vpos, then as above}.
     int PutMarker(const std::array<std::int32_t, 8>& v) {
         const int r = ++frm.store.MarkerCount;
-        frm.store.Markers(r, Hpos) = v[0];
-        frm.store.Markers(r, Vpos) = v[1];
-        for (std::size_t i = 0; i < 6; ++i) frm.store.Markers(r, kLook[i]) = v[i + 2];
+        for (std::size_t i = 0; i < 8; ++i) frm.store.Markers(r, kCells[i]) = v[i];
         return r;
     }
     const fakes::FakeLineWindows::Window& WindowOf(int row, int column) const {
@@ -40,7 +38,7 @@ protected:
                " " + std::to_string(w.rect.height) + " " + std::to_string(w.alpha);
     }
 
-    static constexpr int kLook[6] = {Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
+    static constexpr int kCells[8] = {Hpos, Vpos, Hlen, Vlen, Colour, Thickness, Opacity, Dotted};
     std::function<void()> duringYield;
 };
 

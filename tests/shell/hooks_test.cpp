@@ -198,8 +198,9 @@ TEST_F(HooksTest, PlacingFollowsTheCursorAndTheNextPressFixesTheMarker) {
 
 // What the new marker takes from the fields: nothing, or their values as
 // they stand ("S" the whole screen, a blank inherits, grey dotted is 2,
-// where the table's own cell says -1).
-TEST_F(HooksTest, CopyCurrentOnAddTakesTheFieldsAsTheyStand) {
+// where the table's own cell says -1). A full table fails after the cross
+// is gone, with the pointer still hidden.
+TEST_F(HooksTest, CopyCurrentOnAddTakesTheFieldsAsTheyStandAndAFullTableFails) {
     Markers({{100, 100}});
     frm.lstMarkers.SetListIndex(0);
     const std::vector<std::int32_t> added[] = {{7, 8, -1, -1, -1, -1, -1, -1}, {7, 8, -2, -1, 65280, 3, -1, 2}};
@@ -216,11 +217,7 @@ TEST_F(HooksTest, CopyCurrentOnAddTakesTheFieldsAsTheyStand) {
         EXPECT_EQ(Marker(frm.store.MarkerCount), added[copy]);
     }
     EXPECT_EQ(Marker(2), (std::vector<std::int32_t>{7, 8, -2, -1, 65280, 3, -1, -1})) << "the edits went to the shown marker first";
-}
-
-// A full table fails after the cross is gone, with the pointer still hidden.
-TEST_F(HooksTest, AFullTableFailsInThePlacement) {
-    for (int i = 0; i < 50; ++i) Markers({{i, i}});
+    while (frm.store.MarkerCount < 50) Markers({{1, 1}});
     frm.cmdAddMarker.PerformClick();
     EXPECT_EQ(ErrorOf([&] { frm.timAddMarkerComplete.Tick.Raise(); }), kSubscriptOutOfRange);
     EXPECT_EQ(overlay.calls.back(), "DestroyAddLines");

@@ -18,6 +18,11 @@ int ErrorOf(F&& f) {
     return 0;
 }
 
+// What FailureOf gives for an object error: the number above the base, then "source: description".
+inline std::string ObjectFailure(std::int32_t number, const std::string& rest) {
+    return std::to_string(kObjectErrorBase + number) + " " + rest;
+}
+
 template <class F>
 std::string FailureOf(F&& f) {
     try {
