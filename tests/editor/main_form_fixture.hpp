@@ -31,7 +31,6 @@ protected:
         frm.DataFile = dir.file("ostrivane.ini");
     }
 
-    // Replaces the data file's text (CR LF is up to the caller).
     // The data file in a directory one level down, named in the settings the form reads.
     void UseDataDir() {
         settings.SaveSetting(kAppTitle, "Settings", "DataDir", DataDir());
@@ -40,6 +39,7 @@ protected:
     }
     std::string DataDir() const { return dir.file("data"); }
     std::int32_t Cell(int row, int column) const { return frm.store.Markers(row, column); }
+    // Replaces the data file's text (CR LF is up to the caller).
     void WriteDataFile(const std::string& text) { WriteBytes(frm.DataFile, text); }
     // The settings section with the global defaults, then the given text.
     void WriteDefaults(const std::string& rest = "") { WriteDataFile(kDefaultsHead + rest); }
